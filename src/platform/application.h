@@ -1,0 +1,14 @@
+#pragma once
+
+namespace lumora::platform {
+
+/// The running application object. Main thread.
+class Application {
+  public:
+    virtual ~Application() = default;
+
+    /// Ends the main loop and with it the process; returns to the caller first.
+    virtual void terminate() = 0;
+};
+
+} // namespace lumora::platform

@@ -1,0 +1,10 @@
+#include "platform/ports.h"
+
+namespace lumora::platform {
+
+Ports& ports() {
+    static Ports instance;
+    return instance;
+}
+
+} // namespace lumora::platform

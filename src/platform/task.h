@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/result.h"
+
+#include <string>
+#include <vector>
+
+namespace lumora::platform {
+
+enum class TaskOutput { discard, capture };
+
+struct TaskResult {
+    int terminationStatus = 0;  ///< exit status, or the signal's number when a signal ended it
+    std::string standardOutput; ///< empty unless captured
+};
+
+/// Runs command-line tools to their end. Callable from any thread; blocks it.
+class TaskRunner {
+  public:
+    virtual ~TaskRunner() = default;
+
+    /// Runs the tool at an absolute path with exactly these arguments. An error means that it never started.
+    /// The child gets neither the application's log as a stream nor its descriptors.
+    virtual Result<TaskResult> run(const std::string& executable, const std::vector<std::string>& arguments,
+                                   TaskOutput output) = 0;
+};
+
+} // namespace lumora::platform

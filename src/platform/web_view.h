@@ -1,0 +1,89 @@
+#pragma once
+
+#include "platform/http_session.h"
+#include "platform/result.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace lumora::platform {
+
+/// A main-frame load that the host asks for.
+struct PageRequest {
+    std::string url;
+    HttpCachePolicy cachePolicy = HttpCachePolicy::useProtocolCachePolicy;
+    std::chrono::seconds timeout{60}; ///< until the first bytes of the page are shown
+};
+
+/// What the page posted. Only string bodies are of use; any other type arrives without one.
+struct ScriptMessage {
+    std::string name;
+    std::optional<std::string> stringBody; ///< the exact bytes as UTF-8, NULs included
+};
+
+enum class NavigationType { linkActivated, formSubmitted, backForward, reload, formResubmitted, other };
+enum class NavigationPolicy { allow, cancel };
+
+struct NavigationAction {
+    NavigationType type = NavigationType::other;
+    std::optional<std::string> url;
+    bool sourceFrameIsMainFrame = false;
+    bool hasTargetFrame = true; ///< false: a link or script asks for a new window
+};
+
+/// What the view asks of and tells its host. Main thread.
+class WebViewDelegate {
+  public:
+    virtual ~WebViewDelegate() = default;
+
+    virtual void didReceiveScriptMessage(const ScriptMessage& message) = 0;
+    virtual NavigationPolicy decidePolicyFor(const NavigationAction& action) = 0;
+    virtual void didFailProvisionalNavigation(const Error& error) = 0;
+    virtual void didFailNavigation(const Error& error) = 0;
+    virtual void createWebViewFor(const NavigationAction& action) = 0;
+
+    /// The server's certificate failed the system's trust evaluation; the load is cancelled after this call and then
+    /// reported as a failed provisional navigation.
+    virtual void didFailServerTrust(const Error& error) = 0;
+};
+
+/// The window's web view. Main thread only.
+class WebView {
+  public:
+    virtual ~WebView() = default;
+
+    /// Registers a name under which pages post messages to the delegate.
+    virtual void addScriptMessageHandler(const std::string& name) = 0;
+    virtual void removeScriptMessageHandler(const std::string& name) = 0;
+    virtual void setDelegate(WebViewDelegate* delegate) = 0;
+
+    virtual void load(const PageRequest& request) = 0;
+
+    /// Shows a local page that may read the folder it lies in. Nothing happens when that page already stands.
+    virtual void loadFile(const std::string& path, const std::string& readAccessFolder) = 0;
+
+    /// Runs a script in the page; the completion gets the error, if any.
+    virtual void evaluateJavaScript(const std::string& script,
+                                    std::function<void(std::optional<Error>)> completion) = 0;
+};
+
+/// The window that hosts the view. Main thread only.
+class Window {
+  public:
+    virtual ~Window() = default;
+    [[nodiscard]] virtual std::string title() = 0;
+    virtual void setTitle(const std::string& title) = 0;
+};
+
+/// Makes the one web view. `window()` is absent until the view stands in its window.
+class WebViewHost {
+  public:
+    virtual ~WebViewHost() = default;
+    [[nodiscard]] virtual std::unique_ptr<WebView> makeWebView() = 0;
+    [[nodiscard]] virtual Window* window() = 0;
+};
+
+} // namespace lumora::platform

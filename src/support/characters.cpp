@@ -1,0 +1,70 @@
+#include "support/characters.h"
+
+#include <utf8proc.h>
+
+namespace lumora {
+
+namespace {
+
+/// One step of decoding: the code point (U+FFFD for an invalid byte) and how many bytes it took.
+struct CodePoint {
+    utf8proc_int32_t value;
+    std::size_t length;
+};
+
+CodePoint firstCodePoint(std::string_view text) {
+    utf8proc_int32_t value = -1;
+    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                         static_cast<utf8proc_ssize_t>(text.size()), &value);
+    if (length <= 0)
+        return {0xFFFD, 1};
+    return {value, static_cast<std::size_t>(length)};
+}
+
+bool isWhiteSpace(utf8proc_int32_t value) {
+    if ((value >= 0x09 && value <= 0x0D) || value == 0x85)
+        return true;
+    switch (utf8proc_category(value)) {
+    case UTF8PROC_CATEGORY_ZS:
+    case UTF8PROC_CATEGORY_ZL:
+    case UTF8PROC_CATEGORY_ZP:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+std::size_t countCharacters(std::string_view text) {
+    std::size_t count = 0;
+    utf8proc_int32_t state = 0;
+    utf8proc_int32_t previous = 0;
+    while (!text.empty()) {
+        const auto current = firstCodePoint(text);
+        if (count == 0 || utf8proc_grapheme_break_stateful(previous, current.value, &state))
+            ++count;
+        previous = current.value;
+        text.remove_prefix(current.length);
+    }
+    return count;
+}
+
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty()) {
+        const auto first = firstCodePoint(text);
+        if (!isWhiteSpace(first.value))
+            break;
+        text.remove_prefix(first.length);
+    }
+    std::size_t end = 0; // just behind the last character that is not white space
+    for (std::size_t at = 0; at < text.size();) {
+        const auto current = firstCodePoint(text.substr(at));
+        at += current.length;
+        if (!isWhiteSpace(current.value))
+            end = at;
+    }
+    return text.substr(0, end);
+}
+
+} // namespace lumora

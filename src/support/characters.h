@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace lumora {
+
+/// How many user-perceived characters (extended grapheme clusters, UAX #29) a UTF-8 text has. Invalid bytes count
+/// as one character each.
+[[nodiscard]] std::size_t countCharacters(std::string_view text);
+
+/// The text without white space and line breaks at both ends (Unicode White_Space).
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
+} // namespace lumora

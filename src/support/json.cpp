@@ -1,0 +1,131 @@
+#include "support/json.h"
+
+#include <cmath>
+#include <limits>
+
+namespace lumora {
+
+namespace {
+
+/// Builds the value, refusing what nests too deeply before any recursion could meet it.
+Json parseBounded(std::string_view text, bool& tooDeep) {
+    const auto depthGate = [&tooDeep](int depth, Json::parse_event_t event, Json&) {
+        const bool opens =
+            event == Json::parse_event_t::object_start || event == Json::parse_event_t::array_start;
+        if (opens && depth >= kMaximumJsonDepth)
+            tooDeep = true;
+        return !tooDeep;
+    };
+    return Json::parse(text.begin(), text.end(), depthGate, /*allow_exceptions=*/false);
+}
+
+std::optional<Json> toJsonValue(const platform::PropertyListValue& value);
+
+struct ToJson {
+    std::optional<Json> operator()(const std::string& text) const { return Json(text); }
+    std::optional<Json> operator()(std::int64_t number) const { return Json(number); }
+    std::optional<Json> operator()(bool flag) const { return Json(flag); }
+
+    std::optional<Json> operator()(double number) const {
+        if (!std::isfinite(number))
+            return std::nullopt;
+        return Json(number);
+    }
+
+    std::optional<Json> operator()(const platform::PropertyListData&) const { return std::nullopt; }
+    std::optional<Json> operator()(const platform::PropertyListDate&) const { return std::nullopt; }
+
+    std::optional<Json> operator()(const platform::PropertyListArray& array) const {
+        Json list = Json::array();
+        for (const auto& element : array) {
+            auto json = toJsonValue(element);
+            if (!json)
+                return std::nullopt;
+            list.push_back(std::move(*json));
+        }
+        return list;
+    }
+
+    std::optional<Json> operator()(const platform::PropertyListDictionary& dictionary) const {
+        Json object = Json::object();
+        for (const auto& [key, element] : dictionary) {
+            auto json = toJsonValue(element);
+            if (!json)
+                return std::nullopt;
+            object[key] = std::move(*json);
+        }
+        return object;
+    }
+};
+
+std::optional<Json> toJsonValue(const platform::PropertyListValue& value) {
+    return std::visit(ToJson{}, value.storage());
+}
+
+} // namespace
+
+std::optional<Json> parseJson(std::string_view text) {
+    bool tooDeep = false;
+    Json value = parseBounded(text, tooDeep);
+    if (tooDeep || value.is_discarded())
+        return std::nullopt;
+    return value;
+}
+
+const Json* member(const Json& object, const std::string& key) {
+    if (!object.is_object())
+        return nullptr;
+    const auto found = object.find(key);
+    return found == object.end() ? nullptr : &*found;
+}
+
+std::optional<std::int64_t> exactInteger(const Json& value) {
+    if (value.is_number_unsigned()) {
+        const auto number = value.get<std::uint64_t>();
+        if (number > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
+            return std::nullopt;
+        return static_cast<std::int64_t>(number);
+    }
+    if (value.is_number_integer())
+        return value.get<std::int64_t>();
+    if (!value.is_number_float())
+        return std::nullopt;
+    const auto number = value.get<double>();
+    constexpr double kTwoTo63 = 9223372036854775808.0;
+    if (std::trunc(number) != number || number < -kTwoTo63 || number >= kTwoTo63)
+        return std::nullopt;
+    return static_cast<std::int64_t>(number);
+}
+
+bool booleanConversion(const Json& value) {
+    if (value.is_boolean())
+        return value.get<bool>();
+    if (value.is_number())
+        return value.get<double>() != 0;
+    const auto* text = value.get_ptr<const Json::string_t*>();
+    if (text == nullptr)
+        return false;
+    std::string_view rest = *text;
+    while (!rest.empty() && (rest.front() == ' ' || rest.front() == '\t' || rest.front() == '\n'))
+        rest.remove_prefix(1);
+    if (!rest.empty() && (rest.front() == '+' || rest.front() == '-'))
+        rest.remove_prefix(1);
+    while (!rest.empty() && rest.front() == '0')
+        rest.remove_prefix(1);
+    constexpr std::string_view kTrueBeginnings = "YyTt123456789";
+    return !rest.empty() && kTrueBeginnings.find(rest.front()) != std::string_view::npos;
+}
+
+std::optional<Json> toJson(const std::optional<platform::PropertyListValue>& value) {
+    return value ? toJsonValue(*value) : std::optional<Json>(Json(nullptr));
+}
+
+std::optional<std::string> serializeJson(const Json& value) {
+    try {
+        return value.dump();
+    } catch (const Json::type_error&) {
+        return std::nullopt; // text that is not UTF-8 has no JSON form
+    }
+}
+
+} // namespace lumora
