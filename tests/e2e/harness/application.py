@@ -1,0 +1,74 @@
+"""The application under test: the built bundle as an installer leaves it, started like a user's."""
+
+import os
+import re
+import shutil
+import signal
+import subprocess
+
+from harness import places, waiting
+from harness.log_file import Log
+
+EXECUTABLE = places.BUNDLE / "Contents/MacOS/Ovra Tessel Lumora"
+
+
+def install():
+    shutil.rmtree(places.BUNDLE, ignore_errors=True)
+    shutil.copytree(places.BUILT_BUNDLE, places.BUNDLE, symlinks=True)
+
+
+class Application:
+    """One process. arguments are preference pairs, {"DC": "com"} becoming -DC com."""
+
+    def __init__(self, home, arguments, environment=None):
+        self.home = home
+        self.log = Log(home)
+        self._output = open(home.path / "console.log", "ab")
+        words = [word for key, value in arguments.items() for word in (f"-{key}", value)]
+        self._process = subprocess.Popen(
+            [EXECUTABLE, *words], cwd=home.path, stdin=subprocess.DEVNULL, stdout=self._output, stderr=self._output,
+            env=os.environ | {
+                "HOME": str(home.path),
+                "XDG_DATA_HOME": str(home.path / ".local/share"),
+                "XDG_CONFIG_HOME": str(home.path / ".config"),
+                "XDG_CACHE_HOME": str(home.path / ".cache"),
+                "OVRA_AGENT_RECORD_DIR": str(home.agent_records),
+                "OVRA_AGENT_HEADLESS": "1",
+            } | (environment or {}))
+
+    @property
+    def pid(self):
+        return self._process.pid
+
+    def running(self):
+        return self._process.poll() is None
+
+    def windows(self):
+        """Identifier and title of each of its windows."""
+        listed = subprocess.run(["wmctrl", "-l", "-p"], capture_output=True, text=True, check=False).stdout
+        found = [re.match(r"(0x\w+)\s+\S+\s+(\d+)\s+\S+\s(.*)$", line) for line in listed.splitlines()]
+        return {one[1]: one[3] for one in found if one and int(one[2]) == self.pid}
+
+    def wait_for_window(self):
+        return waiting.until(self.windows, "the application's window")
+
+    def title(self):
+        return next(iter(self.wait_for_window().values()))
+
+    def close(self):
+        """Closes the window as a user does, and expects the process to end by itself, well."""
+        for window in self.wait_for_window():
+            subprocess.run(["wmctrl", "-i", "-c", window], check=True)
+        waiting.until(lambda: not self.running(), "the end of the application after its window was closed")
+        self._output.close()
+        return self._process.returncode
+
+    def kill(self):
+        if self.running():
+            self._process.send_signal(signal.SIGKILL)
+            self._process.wait()
+        self._output.close()
+
+    @property
+    def returncode(self):
+        return self._process.poll()

@@ -1,0 +1,138 @@
+"""What every end-to-end test stands on: a data centre for the module, a fresh home and machine for each test."""
+
+import json
+import pathlib
+import shutil
+import subprocess
+import sys
+import unittest
+
+from harness import application, places, waiting
+from harness.agent import LAUNCH_ARGUMENTS, wait_for_records
+from harness.data_centre import DataCentre
+from harness.page import Page
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "world"))
+import private_root  # noqa: E402  (the world's own list of hosts)
+
+AGENT_VERSION = "1.4.2"
+KEY = 123456789
+EMAIL = "kim@customer.example"
+TOKEN = "t0ken-of-the-installer"
+WEB_SERVER = "com.ovratessel.example"
+IMAGE_PATH = "/cdn/OvraMac.dmg"
+CHECK_PATH = "/api/v2/agent/check_update"
+
+_data_centre = None
+
+
+def set_up_module():
+    """A module's setUpModule."""
+    global _data_centre
+    application.install()
+    folder = places.ROOT / "data-centre"
+    shutil.rmtree(folder, ignore_errors=True)
+    _data_centre = DataCentre(folder, private_root.host_names())
+    _data_centre.make_agent_image(AGENT_VERSION)
+    _data_centre.serve()
+
+
+def tear_down_module():
+    """A module's tearDownModule."""
+    _data_centre.shut_down()
+
+
+def _empty(folder):
+    for entry in folder.iterdir():
+        if entry.is_dir() and not entry.is_symlink():
+            shutil.rmtree(entry)
+        else:
+            entry.unlink()
+
+
+class EndToEndCase(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.data_centre = _data_centre
+        self.data_centre.reset()
+        if self.data_centre.changed_image:
+            self.data_centre.make_agent_image(AGENT_VERSION)
+        for folder in ("/Volumes", "/Library"):
+            _empty(pathlib.Path(folder))
+        path = places.ROOT / "homes" / self.id().removeprefix("cases.")
+        shutil.rmtree(path, ignore_errors=True)
+        path.mkdir(parents=True, mode=0o700)
+        self.home = places.Home(path)
+        self.page = Page(self.data_centre)
+        self.application = None
+
+    def tearDown(self):
+        if self.application is None:
+            return
+        alive, ended_well = self.application.running(), self.application.returncode == 0
+        if not self._outcome.success:
+            self.keep_evidence()
+        self.application.kill()
+        self.assertTrue(alive or ended_well, f"the application died: {self.application.returncode}")
+
+    def keep_evidence(self):
+        picture = self.home.path / "screen.png"
+        subprocess.run(["import", "-window", "root", str(picture)], check=False)
+        print(f"--- {picture}; the log's end:\n{self.application.log.tail()}\n---", file=sys.stderr)
+
+    def start(self, arguments=None, environment=None, wait_for_page=True):
+        """Starts the application as its installer configures it, and waits for the join page."""
+        if arguments is None:
+            arguments = {"DC": "com", "LumoraToken": TOKEN, "pathForLumora": "join"}
+        self.application = application.Application(self.home, arguments, environment)
+        self.log = self.application.log
+        if wait_for_page:
+            self.page.wait_until_loaded()
+        return self.application
+
+    def restart(self, arguments=None):
+        self.assertEqual(self.application.close(), 0)
+        # A page of the process that has just ended must not be taken for the new one's.
+        waiting.until(lambda: self.data_centre.control("GET", "/drive/pages")["pages"] == 0, "the old page's end")
+        return self.start(arguments)
+
+    def wait_for_version_check(self):
+        self.log.wait_for_start("-[OvraAppUpgrader ovraAppVersionCheck]")
+
+    def join(self, key=KEY, email=EMAIL, **more):
+        self.page.post("sendJoinDetailsToNative", json.dumps({"sessionKey": key, "email": email} | more))
+
+    def wait_for_install(self, mark=0):
+        """An install ends with the second of its two detach runs."""
+        line = "-[OvraDmgDownloader unMountingOvraMacDmg] : Dmg unmount task termination status : "
+        waiting.until(lambda: sum(one.startswith(line) for one in self.log.lines_since(mark)) >= 2,
+                      lambda: "the end of the install; the log's end:\n" + self.log.tail())
+
+    def install_agent(self):
+        """A first join, to its end: leaves an installed agent."""
+        self.start()
+        self.wait_for_version_check()
+        self.join()
+        self.wait_for_install()
+        wait_for_records(self.home)
+
+    def assert_join_details(self, key=KEY, server=WEB_SERVER, token=TOKEN, dc="com", email=EMAIL, custom="false"):
+        expected = (f"OVRA_VARLO_IND\n&key={key}&webServerName={server}&lumora_token={token}&c_plugin=true"
+                    f"&DC={dc}&email={email}&is_custom_domain={custom}&")
+        self.assertEqual(self.home.join_details.read_bytes(), expected.encode())
+        self.assertEqual(self.home.join_details.stat().st_mode & 0o7777, 0o600)
+        return expected
+
+    def assert_agent_was_given(self, record, details):
+        self.assertEqual(record["argv"][1:], LAUNCH_ARGUMENTS)
+        self.assertEqual(record["join_details"]["text"], details)
+        self.assertEqual(record["join_details"]["mode"], "0600")
+
+    def assert_nothing_left_behind(self):
+        self.assertEqual(list(pathlib.Path("/Volumes").iterdir()), [], "something is still mounted")
+        self.assertFalse(self.home.image.exists(), "the image is still there")
+
+    def lines_of(self, mark, *starts):
+        """The log lines since mark that begin with one of starts."""
+        return [line for line in self.log.lines_since(mark) if line.startswith(starts)]

@@ -1,0 +1,106 @@
+"""The embedded data centre as a test uses it: started in the world, told what to answer, asked what it saw."""
+
+import json
+import subprocess
+import urllib.error
+import urllib.parse
+import urllib.request
+
+from harness import places
+
+ADDRESS = "10.87.0.1:443"
+CONTROL = "127.0.0.1:8087"
+# A proxy variable of the caller's environment must not get between.
+_opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
+
+
+class DataCentre:
+    def __init__(self, folder, hosts):
+        self._folder = folder
+        self.changed_image = False
+        self.images = folder / "images"
+        self.images.mkdir(parents=True, exist_ok=True)
+        self._log = open(folder / "requests.log", "wb")
+        self._command("authority", "--data", folder, *[word for host in hosts for word in ("--host", host)])
+        self.trust()
+        self._process = None
+
+    def _command(self, *words):
+        subprocess.run([places.DATACENTRE, *words], check=True, stdout=subprocess.DEVNULL, stderr=self._log)
+
+    def trust(self):
+        authority = (self._folder / "authority.pem").read_text(encoding="ascii")
+        if authority not in places.TRUST_STORE.read_text(encoding="utf-8"):
+            with open(places.TRUST_STORE, "a", encoding="ascii") as store:
+                store.write("\n" + authority)
+
+    def make_agent_image(self, version):
+        self.changed_image = False
+        self._command("image", "agent", "--output", self.images / "OvraMac.dmg", "--agent", places.AGENT,
+                      "--version", version)
+
+    @property
+    def agent_image(self):
+        return self.images / "OvraMac.dmg"
+
+    def replace_agent_image(self, content):
+        """Serves these bytes as the image, until the next test."""
+        self.changed_image = True
+        self.agent_image.write_bytes(content)
+
+    def upgrade_agent_image(self, version):
+        """Serves an image of this version, until the next test."""
+        self.make_agent_image(version)
+        self.changed_image = True
+
+    def serve(self):
+        self._process = subprocess.Popen(
+            [places.DATACENTRE, "serve", "--data", self._folder, "--listen", ADDRESS, "--control", CONTROL,
+             "--images", self.images, "--drive", "--page", "join"], stdout=subprocess.PIPE, stderr=self._log)
+        if not self._process.stdout.readline().startswith(b"ready"):
+            raise AssertionError(f"the data centre did not start, see {self._log.name}")
+
+    def shut_down(self):
+        self._process.terminate()
+        self._process.wait(timeout=20)
+        self._process.stdout.close()
+        self._log.close()
+
+    def reset(self):
+        """As after a start: nothing misbehaves, no answer is replaced, no request is remembered."""
+        self.control("DELETE", "/behaviour")
+        self.control("DELETE", "/tls")
+        self.control("DELETE", "/page")
+        self.answer(agent=None, application=None, service_domain=None)
+        self.control("DELETE", "/requests")
+
+    def control(self, method, path, body=None, timeout=60):
+        data = None if body is None else json.dumps(body).encode()
+        request = urllib.request.Request(f"http://{CONTROL}{path}", data=data, method=method)
+        if data is not None:
+            request.add_header("Content-Type", "application/json")
+        try:
+            with _opener.open(request, timeout=timeout) as answer:
+                text = answer.read()
+        except urllib.error.HTTPError as error:
+            text = error.read()
+            if error.code != 504:
+                raise AssertionError(f"{method} {path}: {error.code} {text!r}") from error
+        return json.loads(text) if text else None
+
+    def requests(self, path=None, host=None):
+        return [one for one in self.control("GET", "/requests")
+                if (path is None or one["path"] == path) and (host is None or one["host"] == host)]
+
+    def answer(self, **bodies):
+        """agent, application, service_domain: a string is sent as it is, None brings the normal answer back."""
+        self.control("PUT", "/answers", bodies)
+
+    def behave(self, path, **behaviour):
+        self.control("PUT", "/behaviour?path=" + urllib.parse.quote(path, safe=""), behaviour)
+
+    def tls(self, **manner):
+        self.control("PUT", "/tls", manner)
+
+    def page(self, html):
+        self.control("PUT", "/page", {"html": html})

@@ -1,0 +1,49 @@
+"""The join page in the application's web view, driven through the data centre."""
+
+import json
+
+from harness import waiting
+
+
+class Page:
+    def __init__(self, data_centre):
+        self._data_centre = data_centre
+
+    def eval(self, script, timeout=20):
+        """The value that the script, an async function's body, returns. JavaScript errors fail the test."""
+        answer = self._data_centre.control("POST", "/drive", {"script": script, "timeout_ms": timeout * 1000},
+                                           timeout=timeout + 10)
+        if answer["error"] is not None:
+            raise AssertionError(f"script failed: {answer['error']}\n{script}")
+        return answer["result"]
+
+    def loads(self):
+        return self._data_centre.control("GET", "/drive/pages")["loads"]
+
+    def wait_until_loaded(self):
+        self.eval("return document.readyState")
+
+    def post(self, name, body=""):
+        """Posts a message with a body of any JSON type."""
+        self.eval(f"post({json.dumps(name)}, {json.dumps(body)})")
+
+    def post_expression(self, name, expression):
+        """Posts the value of a JavaScript expression."""
+        self.eval(f"post({json.dumps(name)}, {expression})")
+
+    def received(self, name):
+        """The arguments of every window.NAME(...) call that the application has made, oldest first."""
+        return self.eval("return window.received.filter(r => r.name === " + json.dumps(name) + ").map(r => r.args)")
+
+    def forget_received(self):
+        self.eval("window.received.length = 0")
+
+    def ask(self, message, reply):
+        """Posts a message that the application answers, and the arguments of that answer."""
+        before = len(self.received(reply))
+        self.post(message)
+        return waiting.until(lambda: self.received(reply)[before:], f"{reply} in answer to {message}")[0]
+
+    def barrier(self):
+        """Returns when every message posted before has been handled: they are handled in order."""
+        self.ask("getSystemOs", "receiveSystemOs")

@@ -1,0 +1,32 @@
+"""Where things are in the private world, and below a home folder."""
+
+import os
+import pathlib
+
+ROOT = pathlib.Path(os.environ["LUMORA_ROOT"])
+BUILT_BUNDLE = pathlib.Path(os.environ["LUMORA_BUNDLE"])
+DATACENTRE = pathlib.Path(os.environ["LUMORA_DATACENTRE"])
+AGENT = pathlib.Path(os.environ["LUMORA_AGENT"])
+
+BUNDLE = pathlib.Path("/Applications/Ovra Tessel Lumora.app")
+VOLUME = pathlib.Path("/Volumes/Ovra")
+TRUST_STORE = pathlib.Path("/etc/ssl/certs/ca-certificates.crt")
+DOMAIN = "com.ovra.tessel.OvraTesselLumora"
+
+
+class Home:
+    """The paths that the application uses below one user's home folder."""
+
+    def __init__(self, path):
+        self.path = pathlib.Path(path)
+        self.library = self.path / "Library"
+        self.agent_folder = self.library / "Application Support/OvraVarloNative"
+        self.agent = self.agent_folder / "Ovra.app"
+        self.image = self.agent_folder / "OvraMac.dmg"
+        self.join_details = self.agent_folder / "ovrajoindetails.conf"
+        self.support_folder = self.library / "Application Support/OvraLumoraNativeFolder"
+        self.log_folder = self.library / "Logs/OvraTessel/OvraLumora"
+        self.log = self.log_folder / "ovraLumora.log"
+        self.connection_settings = self.library / "Logs/OvraTessel/ConnectionSettings.plist"
+        self.preferences = self.library / f"Preferences/{DOMAIN}.plist"
+        self.agent_records = self.path / "agent-records"
