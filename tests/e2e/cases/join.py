@@ -219,6 +219,19 @@ class Join(EndToEndCase):
         self.assertTrue(self.home.image.exists())
         self.assertTrue(os.path.isdir("/Volumes/Ovra/Ovra.app"))
 
+        # A volume that was left mounted is in no later join's way.
+        self.assertEqual(self.application.close(), 0)
+        self.data_centre.upgrade_agent_image("2.0.0")
+        waiting.until(lambda: self.data_centre.control("GET", "/drive/pages")["pages"] == 0, "the page's end")
+        self.start()
+        self.wait_for_version_check()
+        mark = self.log.mark()
+        self.join(key=333333333)
+        self.wait_for_install(mark)
+        self.assert_agent_was_given(agent.wait_for_records(self.home, 2)[1], self.assert_join_details(key=333333333))
+        self.assertIn(b"2.0.0", (self.home.agent / "Contents/Info.plist").read_bytes())
+        self.assert_nothing_left_behind()
+
     def test_two_joins_at_once_start_an_agent_and_harm_nothing(self):
         self.start()
         self.wait_for_version_check()

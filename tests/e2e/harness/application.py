@@ -23,10 +23,10 @@ class Application:
     def __init__(self, home, arguments, environment=None):
         self.home = home
         self.log = Log(home)
-        self._output = open(home.path / "console.log", "ab")
+        self._output = open(home.console, "ab")
         words = [word for key, value in arguments.items() for word in (f"-{key}", value)]
         self._process = subprocess.Popen(
-            [EXECUTABLE, *words], cwd=home.path, stdin=subprocess.DEVNULL, stdout=self._output, stderr=self._output,
+            [EXECUTABLE, *words], cwd="/", stdin=subprocess.DEVNULL, stdout=self._output, stderr=self._output,
             env=os.environ | {
                 "HOME": str(home.path),
                 "XDG_DATA_HOME": str(home.path / ".local/share"),

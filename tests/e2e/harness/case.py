@@ -61,9 +61,10 @@ class EndToEndCase(unittest.TestCase):
         for folder in ("/Volumes", "/Library"):
             _empty(pathlib.Path(folder))
         path = places.ROOT / "homes" / self.id().removeprefix("cases.")
-        shutil.rmtree(path, ignore_errors=True)
-        path.mkdir(parents=True, mode=0o700)
         self.home = places.Home(path)
+        shutil.rmtree(path, ignore_errors=True)
+        shutil.rmtree(self.home.agent_records, ignore_errors=True)
+        path.mkdir(parents=True, mode=0o700)
         self.page = Page(self.data_centre)
         self.application = None
 
@@ -77,7 +78,7 @@ class EndToEndCase(unittest.TestCase):
         self.assertTrue(alive or ended_well, f"the application died: {self.application.returncode}")
 
     def keep_evidence(self):
-        picture = self.home.path / "screen.png"
+        picture = self.home.console.with_suffix(".png")
         subprocess.run(["import", "-window", "root", str(picture)], check=False)
         print(f"--- {picture}; the log's end:\n{self.application.log.tail()}\n---", file=sys.stderr)
 
@@ -132,6 +133,19 @@ class EndToEndCase(unittest.TestCase):
     def assert_nothing_left_behind(self):
         self.assertEqual(list(pathlib.Path("/Volumes").iterdir()), [], "something is still mounted")
         self.assertFalse(self.home.image.exists(), "the image is still there")
+
+    def read_only(self, folder):
+        """Makes a folder unwritable, also for root, until the returned operation is called or the test ends."""
+        folder.mkdir(parents=True, exist_ok=True)
+        subprocess.run(["mount", "--bind", folder, folder], check=True)
+        subprocess.run(["mount", "-o", "remount,bind,ro", folder], check=True)
+        pending = [True]
+
+        def undo():
+            if pending and pending.pop():
+                subprocess.run(["umount", "--lazy", folder], check=True)
+        self.addCleanup(undo)
+        return undo
 
     def lines_of(self, mark, *starts):
         """The log lines since mark that begin with one of starts."""

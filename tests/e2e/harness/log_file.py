@@ -21,13 +21,28 @@ class Log:
         paths = [self.backup(index) for index in reversed(range(BACKUPS))] + [self._home.log]
         return [path for path in paths if path.exists()]
 
+    def _state(self):
+        backups = [(path, path.stat().st_ino, path.stat().st_size, path.stat().st_mtime_ns)
+                   for path in self.files() if path != self._home.log]
+        return backups, self._home.log.stat().st_size if self._home.log.exists() else 0
+
     def text(self):
-        # A rotation between two reads would show its lines twice or not at all: read again until nothing moved.
+        """Everything in the log's files. A rotation under way may show its lines twice; see wait_until_settled."""
         while True:
-            before = [(path, path.stat().st_ino, path.stat().st_mtime_ns) for path in self.files()]
-            text = b"".join(path.read_bytes() for path, _, _ in before).decode("utf-8", errors="replace")
-            if before == [(path, path.stat().st_ino, path.stat().st_mtime_ns) for path in self.files()]:
+            try:
+                backups, size = self._state()
+                text = b"".join(path.read_bytes() for path in self.files()).decode("utf-8", errors="replace")
+                later, later_size = self._state()
+            except FileNotFoundError:
+                continue
+            # A rotation during the reading would lose lines or show them twice: read again.
+            if backups == later and later_size >= size:
                 return text
+
+    def wait_until_settled(self, limit):
+        """Waits until no rotation is due or under way, for a log that nobody writes to any more."""
+        waiting.until(lambda: self._home.log.exists() and self._home.log.stat().st_size < limit,
+                      "the log's rotation", 60)
 
     def lines(self):
         """Every complete line, oldest first, without its prefix."""

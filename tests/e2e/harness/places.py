@@ -29,4 +29,6 @@ class Home:
         self.log = self.log_folder / "ovraLumora.log"
         self.connection_settings = self.library / "Logs/OvraTessel/ConnectionSettings.plist"
         self.preferences = self.library / f"Preferences/{DOMAIN}.plist"
-        self.agent_records = self.path / "agent-records"
+        # Beside the home folder, so that they can be written when it cannot.
+        self.agent_records = self.path.with_name(self.path.name + ".agent-records")
+        self.console = self.path.with_name(self.path.name + ".console.log")
