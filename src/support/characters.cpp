@@ -34,20 +34,34 @@ bool isWhiteSpace(utf8proc_int32_t value) {
     }
 }
 
+/// How many bytes the first user-perceived character of a text that is not empty takes.
+std::size_t firstCharacterLength(std::string_view text) {
+    auto previous = firstCodePoint(text);
+    auto length = previous.length;
+    utf8proc_int32_t state = 0;
+    while (length < text.size()) {
+        const auto current = firstCodePoint(text.substr(length));
+        if (utf8proc_grapheme_break_stateful(previous.value, current.value, &state))
+            break;
+        length += current.length;
+        previous = current;
+    }
+    return length;
+}
+
 } // namespace
 
 std::size_t countCharacters(std::string_view text) {
     std::size_t count = 0;
-    utf8proc_int32_t state = 0;
-    utf8proc_int32_t previous = 0;
-    while (!text.empty()) {
-        const auto current = firstCodePoint(text);
-        if (count == 0 || utf8proc_grapheme_break_stateful(previous, current.value, &state))
-            ++count;
-        previous = current.value;
-        text.remove_prefix(current.length);
-    }
+    for (; !text.empty(); ++count)
+        text.remove_prefix(firstCharacterLength(text));
     return count;
+}
+
+std::string_view characterAt(std::string_view text, std::size_t index) {
+    for (; !text.empty() && index > 0; --index)
+        text.remove_prefix(firstCharacterLength(text));
+    return text.empty() ? text : text.substr(0, firstCharacterLength(text));
 }
 
 std::string_view trimmed(std::string_view text) {

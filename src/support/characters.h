@@ -9,6 +9,9 @@ namespace lumora {
 /// as one character each.
 [[nodiscard]] std::size_t countCharacters(std::string_view text);
 
+/// The user-perceived character at an index counted from 0; empty when the text is shorter.
+[[nodiscard]] std::string_view characterAt(std::string_view text, std::size_t index);
+
 /// The text without white space and line breaks at both ends (Unicode White_Space).
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 

@@ -1,5 +1,7 @@
 #include "support/json.h"
 
+#include "support/characters.h"
+
 #include <cmath>
 #include <limits>
 
@@ -65,6 +67,8 @@ std::optional<Json> toJsonValue(const platform::PropertyListValue& value) {
 } // namespace
 
 std::optional<Json> parseJson(std::string_view text) {
+    if (text.find('\0') != std::string_view::npos)
+        return std::nullopt; // the parser takes it for the end of the text and would not see what follows
     bool tooDeep = false;
     Json value = parseBounded(text, tooDeep);
     if (tooDeep || value.is_discarded())
@@ -105,9 +109,7 @@ bool booleanConversion(const Json& value) {
     const auto* text = value.get_ptr<const Json::string_t*>();
     if (text == nullptr)
         return false;
-    std::string_view rest = *text;
-    while (!rest.empty() && (rest.front() == ' ' || rest.front() == '\t' || rest.front() == '\n'))
-        rest.remove_prefix(1);
+    std::string_view rest = trimmed(*text);
     if (!rest.empty() && (rest.front() == '+' || rest.front() == '-'))
         rest.remove_prefix(1);
     while (!rest.empty() && rest.front() == '0')

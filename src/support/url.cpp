@@ -2,40 +2,48 @@
 
 #include <uriparser/Uri.h>
 
-#include <memory>
-
 namespace lumora {
 
 namespace {
 
-struct UriMembersDeleter {
-    void operator()(UriUriA* uri) const { uriFreeUriMembersA(uri); }
+/// A parsed address; its members point into the text that it was made of.
+class ParsedUri {
+  public:
+    explicit ParsedUri(std::string_view text) {
+        const char* errorPosition = nullptr;
+        valid_ = uriParseSingleUriExA(&uri_, text.data(), text.data() + text.size(), &errorPosition) ==
+                 URI_SUCCESS;
+    }
+    ~ParsedUri() {
+        if (valid_)
+            uriFreeUriMembersA(&uri_);
+    }
+    ParsedUri(const ParsedUri&) = delete;
+    ParsedUri& operator=(const ParsedUri&) = delete;
+
+    [[nodiscard]] bool valid() const { return valid_; }
+
+    [[nodiscard]] std::optional<std::string> scheme() const {
+        if (!valid_ || uri_.scheme.first == nullptr)
+            return std::nullopt;
+        return std::string(uri_.scheme.first, uri_.scheme.afterLast);
+    }
+
+  private:
+    UriUriA uri_{};
+    bool valid_ = false;
 };
 
 } // namespace
 
 std::optional<std::string> parseUrl(std::string_view text) {
-    if (text.empty())
-        return std::nullopt; // the platform makes no URL of the empty string
-    UriUriA uri{};
-    const char* errorPosition = nullptr;
-    const int status = uriParseSingleUriExA(&uri, text.data(), text.data() + text.size(), &errorPosition);
-    if (status != URI_SUCCESS)
+    // The platform makes no URL of the empty string, though the grammar has it as a reference.
+    if (text.empty() || !ParsedUri(text).valid())
         return std::nullopt;
-    const std::unique_ptr<UriUriA, UriMembersDeleter> members(&uri);
     return std::string(text);
 }
 
-std::optional<std::string> urlScheme(std::string_view url) {
-    UriUriA uri{};
-    const char* errorPosition = nullptr;
-    if (uriParseSingleUriExA(&uri, url.data(), url.data() + url.size(), &errorPosition) != URI_SUCCESS)
-        return std::nullopt;
-    const std::unique_ptr<UriUriA, UriMembersDeleter> members(&uri);
-    if (uri.scheme.first == nullptr)
-        return std::nullopt;
-    return std::string(uri.scheme.first, uri.scheme.afterLast);
-}
+std::optional<std::string> urlScheme(std::string_view url) { return ParsedUri(url).scheme(); }
 
 std::string percentEncodeForQuery(std::string_view text) {
     constexpr std::string_view kAllowed = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"

@@ -5,6 +5,7 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lumora::fakes {
@@ -12,6 +13,15 @@ namespace lumora::fakes {
 /// Work waits until the test runs it; timers fire when the test says so.
 class FakeMainLoop final : public platform::MainLoop {
   public:
+    FakeMainLoop() = default;
+    FakeMainLoop(const FakeMainLoop&) = delete;
+    FakeMainLoop& operator=(const FakeMainLoop&) = delete;
+    /// Drops the actions, and with them what a timer's owner keeps alive through its own timer.
+    ~FakeMainLoop() override {
+        for (const auto& timer : timers)
+            auto dropped = std::exchange(timer->action, nullptr);
+    }
+
     struct TimerState {
         std::chrono::duration<double> interval;
         platform::TimerMode mode;
