@@ -1,0 +1,136 @@
+#include "platform/posix/child_process.h"
+
+#include "platform/posix/posix_error.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+
+extern "C" char** environ;
+
+namespace lumora::platform::posix_backend {
+
+namespace {
+
+class FileActions {
+  public:
+    FileActions() { posix_spawn_file_actions_init(&actions_); }
+    ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+
+    void openNull(int number, int flags) {
+        keep(posix_spawn_file_actions_addopen(get(), number, "/dev/null", flags, 0));
+    }
+    void duplicate(int from, int to) { keep(posix_spawn_file_actions_adddup2(get(), from, to)); }
+    void closeFrom(int first) {
+#ifdef __APPLE__
+        static_cast<void>(first); // the attribute POSIX_SPAWN_CLOEXEC_DEFAULT does it there
+#else
+        keep(posix_spawn_file_actions_addclosefrom_np(get(), first));
+#endif
+    }
+
+    [[nodiscard]] posix_spawn_file_actions_t* get() { return &actions_; }
+    [[nodiscard]] int error() const { return error_; }
+
+  private:
+    void keep(int error) { error_ = error_ == 0 ? error : error_; }
+
+    posix_spawn_file_actions_t actions_{};
+    int error_ = 0;
+};
+
+class Attributes {
+  public:
+    explicit Attributes(bool ownSession) {
+        posix_spawnattr_init(&attributes_);
+        sigset_t none;
+        sigset_t all;
+        sigemptyset(&none);
+        sigfillset(&all);
+        posix_spawnattr_setsigmask(&attributes_, &none);
+        posix_spawnattr_setsigdefault(&attributes_, &all);
+        int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+        if (ownSession)
+            flags |= POSIX_SPAWN_SETSID;
+#ifdef __APPLE__
+        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
+#endif
+        posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
+    }
+    ~Attributes() { posix_spawnattr_destroy(&attributes_); }
+    Attributes(const Attributes&) = delete;
+    Attributes& operator=(const Attributes&) = delete;
+
+    [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
+
+  private:
+    posix_spawnattr_t attributes_{};
+};
+
+// The exec interface takes writable text that it does not write to.
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+} // namespace
+
+Environment currentEnvironment() {
+    Environment environment;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry)
+        environment.emplace_back(*entry);
+    return environment;
+}
+
+Result<pid_t> spawn(const ChildProcess& child) {
+    if (!child.executable.starts_with('/'))
+        return posixError(ENOENT, child.executable);
+    for (const std::string& argument : child.arguments) {
+        if (argument.find('\0') != std::string::npos)
+            return posixError(EINVAL, child.executable); // it would arrive cut short
+    }
+
+    FileActions actions;
+    actions.openNull(STDIN_FILENO, O_RDONLY);
+    if (child.standardOutput >= 0)
+        actions.duplicate(child.standardOutput, STDOUT_FILENO);
+    else
+        actions.openNull(STDOUT_FILENO, O_WRONLY);
+    actions.openNull(STDERR_FILENO, O_WRONLY);
+    actions.closeFrom(STDERR_FILENO + 1);
+    if (actions.error() != 0)
+        return posixError(actions.error(), child.executable);
+
+    std::vector<std::string> words = child.arguments;
+    words.insert(words.begin(), child.executable);
+    std::vector<std::string> environment = child.environment;
+    const Attributes attributes(child.ownSession);
+
+    pid_t identifier = 0;
+    const int error = posix_spawn(&identifier, child.executable.c_str(), actions.get(), attributes.get(),
+                                  pointersTo(words).data(), pointersTo(environment).data());
+    if (error != 0)
+        return posixError(error, child.executable);
+    return identifier;
+}
+
+Result<int> waitForChild(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR)
+            return posixError(errno, "waiting for a child process");
+    }
+    return WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+} // namespace lumora::platform::posix_backend
