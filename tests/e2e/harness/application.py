@@ -17,10 +17,20 @@ def install():
     shutil.copytree(places.BUILT_BUNDLE, places.BUNDLE, symlinks=True)
 
 
-class Application:
-    """One process. arguments are preference pairs, {"DC": "com"} becoming -DC com."""
+def windows_of(pid):
+    """Identifier and title of each window of a process."""
+    listed = subprocess.run(["wmctrl", "-l", "-p"], capture_output=True, text=True, check=False).stdout
+    found = [re.match(r"(0x\w+)\s+\S+\s+(\d+)\s+\S+\s(.*)$", line) for line in listed.splitlines()]
+    return {one[1]: one[3] for one in found if one and int(one[2]) == pid}
 
-    def __init__(self, home, arguments, environment=None):
+
+class Application:
+    """One process. arguments are preference pairs, {"DC": "com"} becoming -DC com.
+
+    The agent that it starts only writes its record and ends, unless agent_window asks for its window too.
+    """
+
+    def __init__(self, home, arguments, environment=None, agent_window=False):
         self.home = home
         self.log = Log(home)
         self._output = open(home.console, "ab")
@@ -33,8 +43,7 @@ class Application:
                 "XDG_CONFIG_HOME": str(home.path / ".config"),
                 "XDG_CACHE_HOME": str(home.path / ".cache"),
                 "OVRA_AGENT_RECORD_DIR": str(home.agent_records),
-                "OVRA_AGENT_HEADLESS": "1",
-            } | (environment or {}))
+            } | ({} if agent_window else {"OVRA_AGENT_HEADLESS": "1"}) | (environment or {}))
 
     @property
     def pid(self):
@@ -44,10 +53,7 @@ class Application:
         return self._process.poll() is None
 
     def windows(self):
-        """Identifier and title of each of its windows."""
-        listed = subprocess.run(["wmctrl", "-l", "-p"], capture_output=True, text=True, check=False).stdout
-        found = [re.match(r"(0x\w+)\s+\S+\s+(\d+)\s+\S+\s(.*)$", line) for line in listed.splitlines()]
-        return {one[1]: one[3] for one in found if one and int(one[2]) == self.pid}
+        return windows_of(self.pid)
 
     def wait_for_window(self):
         return waiting.until(self.windows, "the application's window")

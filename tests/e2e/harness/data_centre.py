@@ -1,6 +1,7 @@
 """The embedded data centre as a test uses it: started in the world, told what to answer, asked what it saw."""
 
 import json
+import os
 import subprocess
 import urllib.error
 import urllib.parse
@@ -8,7 +9,7 @@ import urllib.request
 
 from harness import places
 
-ADDRESS = "10.87.0.1:443"
+ADDRESS = os.environ.get("LUMORA_SERVER_ADDRESS", "10.87.0.1") + ":443"
 CONTROL = "127.0.0.1:8087"
 # A proxy variable of the caller's environment must not get between.
 _opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))

@@ -28,10 +28,19 @@ class NotStarted(Exception):
     pass
 
 
+_started = []
+
+
 def _start(root, name, command, world, **more):
     with open(root / f"{name}.log", "wb") as log:
-        return subprocess.Popen(command, env=world, stdin=subprocess.DEVNULL, stderr=log,
-                                **({"stdout": log} | more))
+        _started.append(subprocess.Popen(command, env=world, stdin=subprocess.DEVNULL, stderr=log, stdout=log, **more))
+
+
+def stop_all():
+    """For a run without a process namespace, whose end would take them along."""
+    for service in reversed(_started):
+        service.terminate()
+        service.wait()
 
 
 def _wait_until(condition, what, seconds=20):

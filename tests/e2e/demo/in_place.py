@@ -1,0 +1,106 @@
+"""Runs a command where no private world can be made: changes the machine's few files, and restores them at the end.
+
+    in_place.py ROOT private|keep COMMAND...
+"""
+
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+
+HERE = pathlib.Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE.parent / "world"))
+import inside  # noqa: E402
+import private_root  # noqa: E402
+import services  # noqa: E402
+
+FILES = [pathlib.Path("/etc/hosts"), pathlib.Path("/etc/ssl/certs/ca-certificates.crt")]
+FOLDERS = [pathlib.Path("/") / name for name in private_root.PRODUCT_FOLDERS]
+RUNTIME = pathlib.Path("/run/lumora")
+ADDRESS = "127.0.0.1"
+
+
+class Machine:
+    """The machine's files as they were, kept below root until they are restored: also over a run that was killed."""
+
+    def __init__(self, root):
+        self._kept = root / "restore"
+        if self._kept.exists():
+            self.restore()
+        staged = root / "restore.new"
+        shutil.rmtree(staged, ignore_errors=True)
+        staged.mkdir(parents=True)
+        for path in FILES:
+            shutil.copyfile(path, staged / path.name)
+        (staged / "new-folders").write_text("".join(f"{path}\n" for path in FOLDERS if not path.exists()))
+        staged.rename(self._kept)
+
+    def change(self):
+        for path in FOLDERS:
+            if not path.exists():
+                path.mkdir()
+                path.chmod(0o1777)
+        with open("/etc/hosts", "a", encoding="utf-8") as hosts:
+            hosts.writelines(f"{ADDRESS} {name}\n" for name in private_root.host_names())
+
+    def restore(self):
+        # Written into the files, not renamed over them: in a container they are often mounts of their own.
+        for path in FILES:
+            path.write_bytes((self._kept / path.name).read_bytes())
+        for folder in (self._kept / "new-folders").read_text().splitlines():
+            shutil.rmtree(folder, ignore_errors=True)
+        shutil.rmtree(RUNTIME, ignore_errors=True)
+        shutil.rmtree(self._kept)
+
+
+def sandbox_works():
+    command = ["bwrap", "--unshare-all", "--ro-bind", "/", "/", "true"]
+    return subprocess.run(command, capture_output=True, check=False).returncode == 0
+
+
+def prepare(root, display):
+    home = root / "home"
+    shutil.rmtree(home, ignore_errors=True)
+    home.mkdir(mode=0o700)
+    shutil.rmtree(RUNTIME, ignore_errors=True)
+    RUNTIME.mkdir(mode=0o700)
+    caller = dict(os.environ)
+    world = inside.environment(home, RUNTIME) | {"LUMORA_SERVER_ADDRESS": ADDRESS}
+    for folder in ("XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"):
+        pathlib.Path(world[folder]).mkdir(parents=True)
+    if not sandbox_works():
+        print("demo: the web view's own sandbox is refused too; it shows only the demo's page, so it does without")
+        world["WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS"] = "1"
+    world |= services.start_bus(root, world)
+    world |= services.caller_display(caller, RUNTIME) if display == "keep" else services.start_display(root, world)
+    return world
+
+
+def stop(number, _):
+    sys.exit(128 + number)
+
+
+def main():
+    root, display, command = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3:]
+    for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
+        signal.signal(number, stop)
+    root.mkdir(parents=True, exist_ok=True)
+    machine = Machine(root)
+    child = None
+    try:
+        machine.change()
+        world = prepare(root, display)
+        child = subprocess.Popen(command, env=world)
+        return child.wait()
+    finally:
+        if child and child.poll() is None:
+            child.terminate()
+            child.wait()
+        services.stop_all()
+        machine.restore()
+
+
+if __name__ == "__main__":
+    sys.exit(main())
