@@ -37,8 +37,8 @@ struct proxyDetails {
     bool operator==(const proxyDetails&) const = default;
 };
 
-/// Decodes a record from JSON text whose top level is an object. Unknown keys are ignored; a missing or null required
-/// key, or a value of another JSON type, fails the whole record.
+/// Decodes a record from JSON text whose top level is an object. Keys are matched exactly, unknown ones are ignored; a
+/// missing or null required key, or a value of another JSON type, fails the whole record.
 template <class Record>
 [[nodiscard]] std::optional<Record> decode(std::string_view text);
 
@@ -49,9 +49,10 @@ std::optional<customerDetails> decode<customerDetails>(std::string_view text);
 template <>
 std::optional<proxyDetails> decode<proxyDetails>(std::string_view text);
 
-/// Writes a record out under the same keys, in the same order.
-[[nodiscard]] std::string encode(const joinSessionMessage& record);
-[[nodiscard]] std::string encode(const customerDetails& record);
-[[nodiscard]] std::string encode(const proxyDetails& record);
+/// Writes a record out under the same keys, in the same order; an absent `dc` is left out. Nothing when a text is not
+/// valid UTF-8.
+[[nodiscard]] std::optional<std::string> encode(const joinSessionMessage& record);
+[[nodiscard]] std::optional<std::string> encode(const customerDetails& record);
+[[nodiscard]] std::optional<std::string> encode(const proxyDetails& record);
 
 } // namespace lumora

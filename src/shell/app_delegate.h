@@ -11,6 +11,9 @@ namespace lumora {
 class AppDelegate {
   public:
     AppDelegate();
+    ~AppDelegate();
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
 
     /// The delegate stands, nothing is launched yet: folders, log, preferences.
     void awakeFromNib();
@@ -19,7 +22,8 @@ class AppDelegate {
     /// Hands the launch's network work to the background queue and returns at once.
     void applicationDidFinishLaunching();
 
-    /// Posts the termination notification. Always true.
+    /// Posts the termination notification. Always true. The Quit command does not come this way: it ends the process
+    /// without applying a staged update.
     bool applicationShouldTerminateAfterLastWindowClosed();
 
     /// Handler of "OvraLumoraTerminate": applies a staged update, then ends the application. Runs on the poster's

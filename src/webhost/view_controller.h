@@ -11,22 +11,33 @@ namespace lumora {
 
 /// The content of the application's only window: decides which page it shows, answers the web view's questions, and
 /// connects the page with the bridge and the network monitor. It caches nothing: every operation reads the session
-/// record afresh. Main thread.
+/// record afresh. Its sources: join_page.cpp, navigation_policy.cpp, load_errors.cpp, deep_links.cpp. Main thread.
 class ViewController final : public platform::WebViewDelegate,
                              public NativeMessageHandlerDelegate,
                              public NetworkMonitorDelegate {
   public:
     ViewController() = default;
     ~ViewController() override;
+    ViewController(const ViewController&) = delete;
+    ViewController& operator=(const ViewController&) = delete;
 
     /// Builds the web view, registers the message names and starts loading. Called once.
     void viewDidLoad();
 
+    /// Whether server and path are known; blanks alone are not.
     [[nodiscard]] bool isWebServerConfigured() const;
+
+    /// Loads the join page, or shows the misconfiguration page when it has no address.
     void loadJoinPageURl();
+
+    /// The two local pages; nothing happens when the bundle lacks the page.
     void loadMisconfigurationPage();
     void loadStaticNoInternetPage();
+
+    /// Any failed load, whatever its reason: one reload attempt, the offline page, and the monitor watches.
     void handleWebViewError(const platform::Error& error);
+
+    /// Hands an address of the service's own scheme to the operating system.
     void handleDeepLink(const std::string& url);
 
     // NetworkMonitorDelegate
@@ -46,10 +57,12 @@ class ViewController final : public platform::WebViewDelegate,
     void didFailServerTrust(const platform::Error& error) override;
 
   private:
-    void showStoredTitle();
+    [[nodiscard]] platform::WebView& webView(); ///< its absence is a programming error and stops the process
     void showResourcePage(const std::string& name);
+    void reloadOnce(const std::string& url);
 
     std::unique_ptr<platform::WebView> webView_;
+    bool reloadAttempted_ = false; ///< the failed load has had its one reload
 };
 
 } // namespace lumora

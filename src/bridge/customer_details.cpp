@@ -1,0 +1,33 @@
+#include "bridge/message_body.h"
+#include "bridge/native_message_handler.h"
+#include "bridge/records.h"
+#include "bridge/standard_defaults.h"
+#include "bridge/stored_values.h"
+#include "support/log.h"
+
+namespace lumora {
+
+void NativeMessageHandler::getCustomerDetails() {
+    StoredValues stored({"name", "company", "email", "language"});
+    if (stored.isAbsentOrEmptyText("language"))
+        stored.replace("language", "en");
+    const auto json = stored.serialize();
+    reply("window.receiveCustomerDetails(" + (json ? json.value() : "") +
+          ");"); // the page waits for an answer
+}
+
+void NativeMessageHandler::sendCustomerDetailsToNative(const std::string& body) {
+    if (!isDecodable(body))
+        return;
+    const auto details = decode<customerDetails>(body);
+    if (!details) {
+        print("handleMessageFromWebView(message:) : Customer Details Not Initialized.");
+        return;
+    }
+    standard_defaults::store({{"name", details->name},
+                              {"email", details->email},
+                              {"company", details->company},
+                              {"language", details->language}});
+}
+
+} // namespace lumora

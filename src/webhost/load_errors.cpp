@@ -1,0 +1,70 @@
+#include "config/session_details.h"
+#include "support/log.h"
+#include "support/rendering.h"
+#include "support/url.h"
+#include "webhost/join_url.h"
+#include "webhost/view_controller.h"
+
+#include <utility>
+
+namespace lumora {
+
+namespace {
+
+bool isLocalPage(const platform::Error& error) {
+    return error.failingUrl && error.failingUrl->starts_with("file:");
+}
+
+} // namespace
+
+void ViewController::didFailProvisionalNavigation(const platform::Error& error) { handleWebViewError(error); }
+
+void ViewController::didFailNavigation(const platform::Error& error) {
+    print("webView(_:didFail:withError:) : Page failed to load with error: {}", error.localizedDescription);
+    handleWebViewError(error);
+}
+
+void ViewController::didFailServerTrust(const platform::Error& error) {
+    print("webView(_:didReceive:completionHandler:) : Server trust evaluation failed: {}",
+          render(std::optional(error)));
+}
+
+void ViewController::handleWebViewError(const platform::Error& error) {
+    // A local page that failed would fail again at once: it is left alone, and nothing is reloaded over it.
+    const bool showsPages = !isLocalPage(error);
+    if (!isWebServerConfigured()) {
+        print("handleWebViewError(_:) : webServerName is null or empty — showing misconfiguration page "
+              "instead of "
+              "retrying.");
+        if (showsPages)
+            loadMisconfigurationPage();
+        return;
+    }
+    const std::string url = joinUrl();
+    if (SessionDetails::getInstance()
+            .lumoraToken()) { // without a token the monitor alone brings the page back
+        if (!parseUrl(url)) {
+            print("handleWebViewError(_:) : Invalid URL Given For Running Network Monitor: {}", url);
+            if (showsPages)
+                loadMisconfigurationPage();
+            return;
+        }
+        if (showsPages)
+            reloadOnce(url);
+    }
+    // Right after the reload: the customer sees this page while the reload is pending.
+    if (showsPages)
+        loadStaticNoInternetPage();
+    NetworkMonitor::shared().startMonitoringReachability(url);
+    print("URL NetTest : {}", url);
+}
+
+void ViewController::reloadOnce(const std::string& url) {
+    // An engine may report this reload as failed when the offline page takes its place. Another reload then would
+    // go round for ever.
+    if (std::exchange(reloadAttempted_, true))
+        return;
+    webView().load(joinRequest(url));
+}
+
+} // namespace lumora

@@ -1,0 +1,79 @@
+#include "webhost/navigation_policy.h"
+
+#include "config/session_details.h"
+#include "webhost/view_controller.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace lumora {
+
+namespace {
+
+using platform::NavigationType;
+
+constexpr std::string_view kDeepLinkScheme = "ovrajoin";
+constexpr std::string_view kLocalPages[] = {"NoInternetPage.html", "MisconfigurationPage.html"};
+
+bool contains(const std::string& text, std::string_view part) { return text.find(part) != std::string::npos; }
+
+bool isGuarded(const platform::NavigationAction& action) {
+    return action.type == NavigationType::reload ||
+           (action.type == NavigationType::other && action.sourceFrameIsMainFrame);
+}
+
+/// The scheme as written. Taken from the text, as the engine's addresses may hold characters that a strict parser
+/// refuses.
+std::string_view schemeOf(std::string_view url) {
+    const auto colon = url.find_first_of(":/?#");
+    return colon != std::string_view::npos && url[colon] == ':' ? url.substr(0, colon) : std::string_view();
+}
+
+NavigationVerdict judgeGuarded(const std::optional<std::string>& url,
+                               const std::optional<std::string>& webServerName) {
+    // The server's name anywhere in the address will do: customers' portals hand it on in paths and queries.
+    if (webServerName && url && contains(*url, *webServerName))
+        return NavigationVerdict::allow;
+    if (!url)
+        return NavigationVerdict::cancel;
+    const bool isLocalPage =
+        std::ranges::any_of(kLocalPages, [&](std::string_view name) { return contains(*url, name); });
+    return isLocalPage ? NavigationVerdict::allow : NavigationVerdict::cancel;
+}
+
+} // namespace
+
+NavigationVerdict judgeNavigation(const platform::NavigationAction& action,
+                                  const std::optional<std::string>& webServerName) {
+    if (isGuarded(action))
+        return judgeGuarded(action.url, webServerName);
+    const bool isDeepLink = action.url && schemeOf(*action.url) == kDeepLinkScheme;
+    return isDeepLink ? NavigationVerdict::openDeepLink : NavigationVerdict::allow;
+}
+
+platform::NavigationPolicy ViewController::decidePolicyFor(const platform::NavigationAction& action) {
+    const auto server =
+        isWebServerConfigured() ? SessionDetails::getInstance().webServerName() : std::nullopt;
+    switch (judgeNavigation(action, server)) {
+    case NavigationVerdict::allow:
+        if (action.type != NavigationType::reload && action.type != NavigationType::other)
+            reloadAttempted_ = false; // the customer's own navigation is a load of its own
+        return platform::NavigationPolicy::allow;
+    case NavigationVerdict::openDeepLink:
+        handleDeepLink(*action.url);
+        return platform::NavigationPolicy::cancel;
+    case NavigationVerdict::cancel:
+        break;
+    }
+    return platform::NavigationPolicy::cancel;
+}
+
+void ViewController::createWebViewFor(const platform::NavigationAction& action) {
+    if (action.hasTargetFrame || !action.url)
+        return;
+    platform::PageRequest request;
+    request.url = *action.url;
+    webView().load(request);
+}
+
+} // namespace lumora
