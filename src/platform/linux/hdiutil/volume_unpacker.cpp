@@ -1,0 +1,319 @@
+#include "platform/linux/hdiutil/volume_unpacker.h"
+
+#include "platform/linux/hdiutil/failure.h"
+#include "platform/linux/hdiutil/file_descriptor.h"
+#include "platform/linux/hdiutil/volume_tree.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+#include <fmt/format.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumora::platform::linux_backend {
+namespace {
+
+constexpr std::size_t kReadBytes = 256 * 1024;
+constexpr mode_t kKeptModeBits = S_IRWXU | S_IRWXG | S_IRWXO;
+
+struct FreeArchive {
+    void operator()(archive* reader) const noexcept { archive_read_free(reader); }
+};
+
+/// What is set on an entry once nothing more is written to it or into it.
+struct Attributes {
+    mode_t mode = 0;
+    std::array<timespec, 2> times{}; // access, modification
+};
+
+Attributes attributesOf(archive_entry* entry) {
+    Attributes attributes;
+    attributes.mode = archive_entry_perm(entry) & kKeptModeBits;
+    auto& [accessed, modified] = attributes.times;
+    modified = {archive_entry_mtime(entry), archive_entry_mtime_nsec(entry)};
+    if (archive_entry_mtime_is_set(entry) == 0) {
+        modified.tv_nsec = UTIME_OMIT;
+    }
+    accessed = {archive_entry_atime(entry), archive_entry_atime_nsec(entry)};
+    if (archive_entry_atime_is_set(entry) == 0) {
+        accessed = modified;
+    }
+    return attributes;
+}
+
+void writeAll(int file, const char* data, std::size_t size) {
+    while (size > 0) {
+        const ssize_t count = ::write(file, data, size);
+        if (count < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            throwErrno("cannot unpack the image");
+        }
+        data += count;
+        size -= static_cast<std::size_t>(count);
+    }
+}
+
+class Unpacker {
+  public:
+    Unpacker(int image, int folder, const DiskImageLimits& limits)
+        : root_(folder), limits_(limits), reader_(archive_read_new()) {
+        if (!reader_ || archive_read_support_filter_none(reader_.get()) != ARCHIVE_OK ||
+            archive_read_support_format_iso9660(reader_.get()) != ARCHIVE_OK ||
+            ::lseek(image, 0, SEEK_SET) != 0) {
+            throw DiskImageFailure("cannot set up the image reader");
+        }
+        if (archive_read_open_fd(reader_.get(), image, kReadBytes) != ARCHIVE_OK) {
+            unreadable();
+        }
+    }
+
+    void run() {
+        archive_entry* entry = nullptr;
+        int status = ARCHIVE_OK;
+        while ((status = archive_read_next_header(reader_.get(), &entry)) == ARCHIVE_OK) {
+            unpackEntry(entry);
+        }
+        // Warnings count too: they are how the reader reports an entry that it gives up on.
+        if (status != ARCHIVE_EOF) {
+            unreadable();
+        }
+        tree_.checkLinks();
+        makeLinks();
+        finishFolders();
+    }
+
+  private:
+    struct DeferredLink {
+        std::string path;
+        std::string target;
+        Attributes attributes;
+    };
+    struct DeferredFolder {
+        std::string path;
+        Attributes attributes;
+    };
+    /// An entry's folder, open, and its name in there.
+    struct Place {
+        int folder;
+        const char* name;
+    };
+
+    [[noreturn]] void unreadable() const {
+        const char* reason = archive_error_string(reader_.get());
+        throw DiskImageFailure("cannot read the image: " +
+                               printable(reason != nullptr ? reason : "unknown reason"));
+    }
+
+    void unpackEntry(archive_entry* entry) {
+        const char* rawPath = archive_entry_pathname(entry);
+        if (rawPath == nullptr) {
+            throw DiskImageFailure("the image has an entry whose name cannot be read");
+        }
+        const std::string path = rawPath;
+        if (path == "." && archive_entry_filetype(entry) == AE_IFDIR) {
+            rootAttributes_ = attributesOf(entry);
+            return;
+        }
+        if (tree_.size() >= limits_.entries) {
+            throw DiskImageFailure("the image has too many entries");
+        }
+        switch (archive_entry_filetype(entry)) {
+        case AE_IFDIR:
+            makeFolder(path, attributesOf(entry));
+            break;
+        case AE_IFREG:
+            tree_.add(path, EntryKind::file);
+            if (const char* original = archive_entry_hardlink(entry); original != nullptr) {
+                copyLastFile(path, original, attributesOf(entry));
+            } else {
+                writeFile(path, entry);
+            }
+            break;
+        case AE_IFLNK: {
+            const char* rawTarget = archive_entry_symlink(entry);
+            const std::string target = rawTarget != nullptr ? rawTarget : "";
+            tree_.add(path, EntryKind::link, target);
+            links_.push_back({path, target, attributesOf(entry)});
+            break;
+        }
+        default:
+            throw DiskImageFailure(fmt::format(
+                "the image's entry \"{}\" is neither a file, a folder nor a link", printable(path)));
+        }
+    }
+
+    /// Opens the folder that `path` lies in. No link stands anywhere yet, and none would be followed.
+    Place placeOf(const std::string& path) {
+        const auto slash = path.rfind('/');
+        if (slash == std::string::npos) {
+            return {root_, path.c_str()};
+        }
+        const std::string folderPath = path.substr(0, slash);
+        if (!openFolder_ || folderPath != openFolderPath_) {
+            openFolder_ = openFolder(folderPath);
+            openFolderPath_ = folderPath;
+        }
+        return {openFolder_.get(), path.c_str() + slash + 1};
+    }
+
+    [[nodiscard]] FileDescriptor openFolder(const std::string& path) const {
+        FileDescriptor folder;
+        for (std::size_t begin = 0; begin <= path.size();) {
+            const std::size_t end = std::min(path.find('/', begin), path.size());
+            const std::string component = path.substr(begin, end - begin);
+            folder = FileDescriptor(::openat(folder ? folder.get() : root_, component.c_str(),
+                                             O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+            if (!folder) {
+                throwErrno("cannot open " + printable(path));
+            }
+            begin = end + 1;
+        }
+        return folder;
+    }
+
+    void makeFolder(const std::string& path, const Attributes& attributes) {
+        tree_.add(path, EntryKind::folder);
+        const Place place = placeOf(path);
+        // The folder's own mode may forbid writing into it: that waits until all is unpacked.
+        if (::mkdirat(place.folder, place.name, S_IRWXU) != 0) {
+            throwErrno("cannot create " + printable(path));
+        }
+        folders_.push_back({path, attributes});
+    }
+
+    [[nodiscard]] FileDescriptor createFile(const std::string& path) {
+        const Place place = placeOf(path);
+        FileDescriptor file(::openat(place.folder, place.name,
+                                     O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+        if (!file) {
+            throwErrno("cannot create " + printable(path));
+        }
+        return file;
+    }
+
+    void claimSpace(std::uint64_t bytes) {
+        if (bytes > limits_.bytes - bytesClaimed_) {
+            throw DiskImageFailure("the image unpacks to more than is accepted");
+        }
+        bytesClaimed_ += bytes;
+        struct statvfs space {};
+        if (::fstatvfs(root_, &space) != 0) {
+            throwErrno("cannot determine the free space");
+        }
+        if (bytes / space.f_frsize > space.f_bavail) {
+            throw DiskImageFailure("the image unpacks to more than there is room for", ENOSPC);
+        }
+    }
+
+    void writeFile(const std::string& path, archive_entry* entry) {
+        const la_int64_t size = archive_entry_size(entry);
+        if (archive_entry_size_is_set(entry) == 0 || size < 0) {
+            throw DiskImageFailure(fmt::format("the image's file \"{}\" has no size", printable(path)));
+        }
+        claimSpace(static_cast<std::uint64_t>(size));
+        FileDescriptor file = createFile(path);
+
+        la_int64_t written = 0;
+        const void* block = nullptr;
+        std::size_t blockSize = 0;
+        la_int64_t offset = 0;
+        int status = ARCHIVE_OK;
+        while ((status = archive_read_data_block(reader_.get(), &block, &blockSize, &offset)) == ARCHIVE_OK) {
+            if (offset != written || blockSize > static_cast<std::uint64_t>(size - written)) {
+                throw DiskImageFailure(fmt::format("the image's file \"{}\" is damaged", printable(path)));
+            }
+            writeAll(file.get(), static_cast<const char*>(block), blockSize);
+            written += static_cast<la_int64_t>(blockSize);
+        }
+        if (status != ARCHIVE_EOF) {
+            unreadable();
+        }
+        if (written != size) {
+            throw DiskImageFailure(fmt::format("the image's file \"{}\" is cut short", printable(path)));
+        }
+        setAttributes(file.get(), path, attributesOf(entry));
+        lastFile_ = std::move(file);
+        lastFilePath_ = path;
+    }
+
+    /// The reader reports a second name of the same contents right after the first, so the first is still open. It is
+    /// copied through that descriptor because its mode may already forbid opening it again.
+    void copyLastFile(const std::string& path, const std::string& original, const Attributes& attributes) {
+        struct stat status {};
+        if (!lastFile_ || original != lastFilePath_ || ::fstat(lastFile_.get(), &status) != 0) {
+            throw DiskImageFailure(
+                fmt::format("the image's hard link \"{}\" has no original", printable(path)));
+        }
+        claimSpace(static_cast<std::uint64_t>(status.st_size));
+        const FileDescriptor file = createFile(path);
+        std::vector<char> buffer(kReadBytes);
+        for (off_t at = 0; at < status.st_size;) {
+            const ssize_t count = ::pread(lastFile_.get(), buffer.data(), buffer.size(), at);
+            if (count <= 0) {
+                throwErrno("cannot copy " + printable(original));
+            }
+            writeAll(file.get(), buffer.data(), static_cast<std::size_t>(count));
+            at += count;
+        }
+        setAttributes(file.get(), path, attributes);
+    }
+
+    static void setAttributes(int descriptor, const std::string& path, const Attributes& attributes) {
+        // Times first: the mode does not touch them.
+        if (::futimens(descriptor, attributes.times.data()) != 0 ||
+            ::fchmod(descriptor, attributes.mode) != 0) {
+            throwErrno("cannot set the attributes of " + printable(path));
+        }
+    }
+
+    void makeLinks() {
+        for (const DeferredLink& link : links_) {
+            const Place place = placeOf(link.path);
+            if (::symlinkat(link.target.c_str(), place.folder, place.name) != 0 ||
+                ::utimensat(place.folder, place.name, link.attributes.times.data(), AT_SYMLINK_NOFOLLOW) !=
+                    0) {
+                throwErrno("cannot create the link " + printable(link.path));
+            }
+        }
+    }
+
+    void finishFolders() {
+        // Folders come before what they hold, so backwards is from the inside out.
+        for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
+            setAttributes(openFolder(folder->path).get(), folder->path, folder->attributes);
+        }
+        setAttributes(root_, "the volume", rootAttributes_);
+    }
+
+    int root_;
+    const DiskImageLimits& limits_;
+    std::unique_ptr<archive, FreeArchive> reader_;
+    VolumeTree tree_;
+    std::vector<DeferredLink> links_;
+    std::vector<DeferredFolder> folders_;
+    Attributes rootAttributes_{S_IRWXU | S_IRGRP | S_IXGRP | S_IROTH | S_IXOTH,
+                               {{{0, UTIME_OMIT}, {0, UTIME_OMIT}}}};
+    std::uint64_t bytesClaimed_ = 0;
+    FileDescriptor openFolder_;
+    std::string openFolderPath_;
+    FileDescriptor lastFile_;
+    std::string lastFilePath_;
+};
+
+} // namespace
+
+void unpackIso(int image, int folder, const DiskImageLimits& limits) {
+    Unpacker(image, folder, limits).run();
+}
+
+} // namespace lumora::platform::linux_backend

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace lumora::platform::linux_backend {
+
+/// How much an image may unpack to.
+struct DiskImageLimits {
+    std::uint64_t bytes = std::uint64_t{8}
+                          << 30;   ///< all file contents together; the free space is a limit as well
+    std::size_t entries = 200'000; ///< files, folders and links together
+};
+
+/// Unpacks the ISO 9660 image open as `image` into the empty folder open as `folder`, which takes over the mode and
+/// times of the volume's own root folder. Keeps names, contents, links, modes and times.
+///
+/// As on a volume attached by an ordinary user, set-user-id, set-group-id and sticky bits are dropped and everything
+/// belongs to the caller. Names that share their contents become separate files. Compressed images, formats other than
+/// ISO 9660, device nodes, pipes and sockets, links that lead out of the volume, and anything that cannot be read whole
+/// make it throw DiskImageFailure; what was unpacked until then is left for the caller to remove.
+void unpackIso(int image, int folder, const DiskImageLimits& limits);
+
+} // namespace lumora::platform::linux_backend

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/linux/hdiutil/file_descriptor.h"
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lumora::platform::linux_backend {
+
+/// A hidden folder beside the volumes, in which a volume is prepared or through which it disappears. Removed with all
+/// it holds when this object ends, unless it has become a volume.
+class AsideFolder {
+  public:
+    AsideFolder(int volumes, std::string name, FileDescriptor held);
+    AsideFolder(AsideFolder&& other) noexcept
+        : volumes_(other.volumes_), name_(std::exchange(other.name_, {})), held_(std::move(other.held_)) {}
+    AsideFolder& operator=(AsideFolder&& other) = delete;
+    ~AsideFolder();
+
+    [[nodiscard]] int descriptor() const noexcept { return held_.get(); }
+    [[nodiscard]] const std::string& name() const noexcept { return name_; }
+
+    /// Removes it now, so that a failure can be told. Throws DiskImageFailure.
+    void remove();
+    /// The folder now stands under another name: nothing is left to remove.
+    void keep() noexcept { name_.clear(); }
+
+  private:
+    int volumes_;
+    std::string name_;
+    FileDescriptor held_; // holds the folder's lock, which says that a living process works in it
+};
+
+/// The folder that holds the volumes, /Volumes on a real system. What several processes must not do at once happens
+/// under its lock, which lasts for a few system calls only; unpacking and removing happen outside.
+class VolumesFolder {
+  public:
+    /// Throws DiskImageFailure if there is no such folder.
+    explicit VolumesFolder(const std::filesystem::path& path);
+
+    [[nodiscard]] int descriptor() const noexcept { return folder_.get(); }
+
+    /// Locked until the result is destroyed. Throws DiskImageFailure if others hold it unreasonably long.
+    [[nodiscard]] FileDescriptor lock() const;
+
+    /// Creates an aside folder for the volume. Call under the lock.
+    [[nodiscard]] AsideFolder makeAside(const std::string& volume) const;
+
+    /// A free name for an aside folder of the volume.
+    [[nodiscard]] static std::string asideName(const std::string& volume);
+
+    /// The caller's aside folders whose processes have ended. Call under the lock, destroy outside.
+    [[nodiscard]] std::vector<AsideFolder> takeAbandoned() const;
+
+  private:
+    std::filesystem::path path_;
+    FileDescriptor folder_;
+};
+
+} // namespace lumora::platform::linux_backend
