@@ -26,13 +26,25 @@ void reply(httplib::Response& response, const Json& json, int status = 200) {
     response.set_content(dump(json), kJsonType);
 }
 
-Json parsed(const httplib::Request& request) {
-    if (request.body.empty())
+Json parsed(const std::string& body) {
+    if (body.empty())
         return Json::object();
-    Json json = Json::parse(request.body, nullptr, false);
+    Json json = Json::parse(body, nullptr, false);
     if (json.is_discarded())
         throw std::invalid_argument("the body is not JSON");
     return json;
+}
+
+// Read here rather than by the library: that waits in vain when a client announces no body, and takes what command-line
+// clients send by default for a form, of a few kilobytes at most.
+std::string bodyOf(const httplib::Request& request, const httplib::ContentReader& content) {
+    std::string body;
+    if (request.has_header("Content-Length") || request.has_header("Transfer-Encoding"))
+        content([&body](const char* data, std::size_t size) {
+            body.append(data, size);
+            return true;
+        });
+    return body;
 }
 
 Json orNull(const std::optional<std::string>& text) { return text ? Json(*text) : Json(nullptr); }
@@ -75,82 +87,72 @@ class ControlServer::Routes final : public httplib::Server {
     }
 
   private:
-    using Action = std::function<void(const httplib::Request&)>;
+    using Change = std::function<void(const httplib::Request&, const Json& body)>;
+    using Report = std::function<Json()>;
+
+    void report(const std::string& path, Report make) {
+        Get(path, [make = std::move(make)](const httplib::Request&, httplib::Response& response) {
+            reply(response, make());
+        });
+    }
 
     // A change that answers {} when it was made.
-    static Handler change(Action action) {
-        return [action = std::move(action)](const httplib::Request& request, httplib::Response& response) {
-            action(request);
+    static HandlerWithContentReader changing(Change change) {
+        return [change = std::move(change)](const httplib::Request& request, httplib::Response& response,
+                                            const httplib::ContentReader& content) {
+            change(request, parsed(bodyOf(request, content)));
             reply(response, Json::object());
         };
     }
 
     void addReports() {
-        Get("/status",
-            [this](const httplib::Request&, httplib::Response& response) { reply(response, status()); });
-        Get("/requests", [this](const httplib::Request&, httplib::Response& response) {
-            reply(response, site_.requests().toJson());
-        });
-        Delete("/requests", change([this](const auto&) { site_.requests().clear(); }));
+        report("/status", [this] { return status(); });
+        report("/requests", [this] { return site_.requests().toJson(); });
+        Delete("/requests", changing([this](const auto&, const Json&) { site_.requests().clear(); }));
     }
 
     void addMisbehaviour() {
-        Put("/answers", change([this](const auto& request) { site_.answers().override(parsed(request)); }));
-        Get("/behaviour", [this](const httplib::Request&, httplib::Response& response) {
-            reply(response, site_.behaviours().toJson());
-        });
-        Put("/behaviour", change([this](const auto& request) {
+        Put("/answers", changing([this](const auto&, const Json& body) { site_.answers().override(body); }));
+        report("/behaviour", [this] { return site_.behaviours().toJson(); });
+        Put("/behaviour", changing([this](const auto& request, const Json& body) {
                 if (!request.has_param("path"))
                     throw std::invalid_argument("the parameter \"path\" is missing");
-                site_.behaviours().set(request.get_param_value("path"), Behaviour::fromJson(parsed(request)));
+                site_.behaviours().set(request.get_param_value("path"), Behaviour::fromJson(body));
             }));
-        Delete("/behaviour", change([this](const auto& request) {
+        Delete("/behaviour", changing([this](const auto& request, const Json&) {
                    if (request.has_param("path"))
                        site_.behaviours().clear(request.get_param_value("path"));
                    else
                        site_.behaviours().clearAll();
                }));
-        Put("/tls", change([this](const auto& request) { manners_.set(parsed(request)); }));
-        Delete("/tls", change([this](const auto&) { manners_.clear(); }));
+        Put("/tls", changing([this](const auto&, const Json& body) { manners_.set(body); }));
+        Delete("/tls", changing([this](const auto&, const Json&) { manners_.clear(); }));
     }
 
     void addPageAndDrive() {
-        Put("/page", change([this](const auto& request) {
-                const Json json = parsed(request);
-                site_.replacePage(JsonMembers(json, {"html"}).text("html").value_or(""));
+        Put("/page", changing([this](const auto&, const Json& body) {
+                site_.replacePage(JsonMembers(body, {"html"}).text("html").value_or(""));
             }));
-        Delete("/page", change([this](const auto&) { site_.replacePage(std::nullopt); }));
-        Get("/drive/pages", [this](const httplib::Request&, httplib::Response& response) {
+        Delete("/page", changing([this](const auto&, const Json&) { site_.replacePage(std::nullopt); }));
+        report("/drive/pages", [this] {
             const auto pages = site_.drive().pages();
-            reply(response, {{"pages", pages.polling}, {"id", pages.id}, {"loads", pages.loads}});
+            return Json{{"pages", pages.polling}, {"id", pages.id}, {"loads", pages.loads}};
         });
-        Post("/drive", [this](const httplib::Request& request, httplib::Response& response) {
-            drive(request, response);
+        Post("/drive", [this](const httplib::Request& request, httplib::Response& response,
+                              const httplib::ContentReader& content) {
+            drive(parsed(bodyOf(request, content)), response);
         });
-    }
-
-    // Commands without a body. The library waits in vain for one when the client announces no length, so it must not read.
-    void addCommand(const std::string& path, std::function<void()> command) {
-        Post(path,
-             [command = std::move(command)](const httplib::Request& request, httplib::Response& response,
-                                            const httplib::ContentReader& content) {
-                 if (request.has_header("Content-Length"))
-                     content([](const char*, std::size_t) { return true; });
-                 command();
-                 reply(response, Json::object());
-             });
     }
 
     void addListening() {
-        addCommand("/stop", [this] { https_.stop(); });
-        addCommand("/start", [this] { https_.start(); });
-        addCommand("/disconnect", [this] { https_.dropConnections(); });
+        Post("/stop", changing([this](const auto&, const Json&) { https_.stop(); }));
+        Post("/start", changing([this](const auto&, const Json&) { https_.start(); }));
+        Post("/disconnect", changing([this](const auto&, const Json&) { https_.dropConnections(); }));
     }
 
-    void drive(const httplib::Request& request, httplib::Response& response) {
+    void drive(const Json& json, httplib::Response& response) {
         if (!site_.isDriving())
             throw std::invalid_argument("the server runs without --drive");
-        const Json json = parsed(request);
         const JsonMembers members(json, {"script", "timeout_ms"});
         const auto script = members.text("script");
         if (!script)
