@@ -17,6 +17,8 @@ import private_root  # noqa: E402
 import services  # noqa: E402
 
 FILES = [pathlib.Path("/etc/hosts"), pathlib.Path("/etc/ssl/certs/ca-certificates.crt")]
+# Written by the application's start, for all users of the machine.
+PREFERENCES = pathlib.Path("/Library/Preferences/com.ovra.tessel.OvraTesselLumora.plist")
 FOLDERS = [pathlib.Path("/") / name for name in private_root.PRODUCT_FOLDERS]
 RUNTIME = pathlib.Path("/run/lumora")
 ADDRESS = "127.0.0.1"
@@ -34,6 +36,8 @@ class Machine:
         staged.mkdir(parents=True)
         for path in FILES:
             shutil.copyfile(path, staged / path.name)
+        if PREFERENCES.exists():
+            shutil.copyfile(PREFERENCES, staged / PREFERENCES.name)
         (staged / "new-folders").write_text("".join(f"{path}\n" for path in FOLDERS if not path.exists()))
         staged.rename(self._kept)
 
@@ -49,6 +53,10 @@ class Machine:
         # Written into the files, not renamed over them: in a container they are often mounts of their own.
         for path in FILES:
             path.write_bytes((self._kept / path.name).read_bytes())
+        if (self._kept / PREFERENCES.name).exists():
+            shutil.copyfile(self._kept / PREFERENCES.name, PREFERENCES)
+        else:
+            PREFERENCES.unlink(missing_ok=True)
         for folder in (self._kept / "new-folders").read_text().splitlines():
             shutil.rmtree(folder, ignore_errors=True)
         shutil.rmtree(RUNTIME, ignore_errors=True)
@@ -67,7 +75,11 @@ def prepare(root, display):
     shutil.rmtree(RUNTIME, ignore_errors=True)
     RUNTIME.mkdir(mode=0o700)
     caller = dict(os.environ)
-    world = inside.environment(home, RUNTIME) | {"LUMORA_SERVER_ADDRESS": ADDRESS}
+    world = inside.environment(home, RUNTIME) | {
+        "LUMORA_SERVER_ADDRESS": ADDRESS,
+        # Started from here: a copy that this machine may have installed stays as it is.
+        "LUMORA_INSTALLED_BUNDLE": str(root / "Ovra Tessel Lumora.app"),
+    }
     for folder in ("XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"):
         pathlib.Path(world[folder]).mkdir(parents=True)
     if not sandbox_works():

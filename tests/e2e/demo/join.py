@@ -43,9 +43,9 @@ const enter = (id, text) => {
     field.dispatchEvent(new Event('change', { bubbles: true }));
 };
 enter('session-key', %s);
-enter('email', %s);
+enter('join-email', %s);
 """
-PRESS = "document.getElementById('join-button').click();"
+PRESS = "document.getElementById('join-submit').click();"
 
 
 class Demo:
@@ -170,7 +170,7 @@ class Demo:
             found.append(f"the join details are {content!r}")
         if not record["join_details"]["well_formed"] or record["join_details"]["text"].encode() != content:
             found.append("the agent did not read these join details")
-        if self.home.image.exists() or any(pathlib.Path("/Volumes").iterdir()):
+        if self.home.image.exists() or places.volumes():
             found.append("an image or a volume was left behind")
         return found
 

@@ -23,6 +23,12 @@ WEB_SERVER = "com.ovratessel.example"
 IMAGE_PATH = "/cdn/OvraMac.dmg"
 CHECK_PATH = "/api/v2/agent/check_update"
 
+# A page that says only that it is there, so that every message of a test is the test's own.
+BARE_PAGE = """<!doctype html><meta charset="utf-8"><title>bare</title>
+<script>window.webkit.messageHandlers.lumoraLoaded.postMessage("")</script>
+<script src="/assets/drive.js"></script>
+"""
+
 _data_centre = None
 
 
@@ -51,11 +57,16 @@ def _empty(folder):
 
 
 class EndToEndCase(unittest.TestCase):
+    """A join page of the test's own; with bare_page = False the data centre's real one."""
+
     maxDiff = None
+    bare_page = True
 
     def setUp(self):
         self.data_centre = _data_centre
         self.data_centre.reset()
+        if self.bare_page:
+            self.data_centre.page(BARE_PAGE)
         if self.data_centre.changed_image:
             self.data_centre.make_agent_image(AGENT_VERSION)
         for folder in ("/Volumes", "/Library"):
@@ -131,7 +142,7 @@ class EndToEndCase(unittest.TestCase):
         self.assertEqual(record["join_details"]["mode"], "0600")
 
     def assert_nothing_left_behind(self):
-        self.assertEqual(list(pathlib.Path("/Volumes").iterdir()), [], "something is still mounted")
+        self.assertEqual(places.volumes(), [], "something is still mounted")
         self.assertFalse(self.home.image.exists(), "the image is still there")
 
     def read_only(self, folder):

@@ -8,10 +8,17 @@ BUILT_BUNDLE = pathlib.Path(os.environ["LUMORA_BUNDLE"])
 DATACENTRE = pathlib.Path(os.environ["LUMORA_DATACENTRE"])
 AGENT = pathlib.Path(os.environ["LUMORA_AGENT"])
 
-BUNDLE = pathlib.Path("/Applications/Ovra Tessel Lumora.app")
+BUNDLE = pathlib.Path(os.environ.get("LUMORA_INSTALLED_BUNDLE", "/Applications/Ovra Tessel Lumora.app"))
 VOLUME = pathlib.Path("/Volumes/Ovra")
 TRUST_STORE = pathlib.Path("/etc/ssl/certs/ca-certificates.crt")
 DOMAIN = "com.ovra.tessel.OvraTesselLumora"
+
+
+def volumes():
+    """What is mounted, or lies about where volumes are. The image tool keeps its own books in a hidden folder there."""
+    entries = list(pathlib.Path("/Volumes").iterdir())
+    books = [entry for entry in entries if entry.name.startswith(".attachments.")]
+    return [entry for entry in entries if entry not in books] + [record for book in books for record in book.iterdir()]
 
 
 class Home:
