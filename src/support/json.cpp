@@ -96,7 +96,8 @@ std::optional<std::int64_t> exactInteger(const Json& value) {
         return std::nullopt;
     const auto number = value.get<double>();
     constexpr double kTwoTo63 = 9223372036854775808.0;
-    if (std::trunc(number) != number || number < -kTwoTo63 || number >= kTwoTo63)
+    // The parser makes a double of an integer that does not fit: the least integer's double may be such a one.
+    if (std::trunc(number) != number || number <= -kTwoTo63 || number >= kTwoTo63)
         return std::nullopt;
     return static_cast<std::int64_t>(number);
 }
