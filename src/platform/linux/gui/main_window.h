@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/linux/gui/glib_handles.h"
+#include "platform/web_view.h"
+
+#include <gtk/gtk.h>
+#include <webkit/webkit.h>
+
+#include <functional>
+
+namespace lumora::platform::linux_backend {
+
+/// The application's one window around the web view. Once closed by its user it only remembers its title. Main thread.
+class MainWindow final : public Window {
+  public:
+    /// @param closed called in the moment of closing, while the window still stands.
+    MainWindow(GtkApplication* application, WebKitWebView* view, std::function<void()> closed);
+    ~MainWindow() override;
+    MainWindow(const MainWindow&) = delete;
+    MainWindow& operator=(const MainWindow&) = delete;
+
+    [[nodiscard]] std::string title() override;
+    void setTitle(const std::string& title) override;
+
+    void present();
+    [[nodiscard]] bool isOpen() const { return open_; }
+    [[nodiscard]] GtkWidget* widget() const { return GTK_WIDGET(window_.get()); }
+
+  private:
+    static gboolean closeRequested(GtkWindow* window, gpointer self);
+
+    ObjectRef<GtkWindow> window_;
+    std::function<void()> closed_;
+    SignalConnections signals_;
+    bool open_ = true;
+};
+
+} // namespace lumora::platform::linux_backend

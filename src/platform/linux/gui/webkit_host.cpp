@@ -1,0 +1,24 @@
+#include "platform/linux/gui/webkit_host.h"
+
+#include "platform/linux/gui/main_menu.h"
+#include "platform/linux/gui/webkit_view.h"
+
+namespace lumora::platform::linux_backend {
+
+std::unique_ptr<WebView> WebKitHost::makeWebView() {
+    auto view = std::make_unique<WebKitView>(loop_);
+    view_ = ObjectRef<WebKitWebView>::retain(view->widget());
+    return view;
+}
+
+Window* WebKitHost::window() { return window_ != nullptr && window_->isOpen() ? window_.get() : nullptr; }
+
+void WebKitHost::openWindow(GtkApplication* application, std::function<void()> lastWindowClosed) {
+    // Asked afterwards: what follows the last window's closing may take long, and the window must be gone by then.
+    window_ = std::make_unique<MainWindow>(application, view_.get(),
+                                           [this, lastWindowClosed] { loop_.asyncOnMain(lastWindowClosed); });
+    loop_.tracking().setMenuProbe([this] { return window_->isOpen() && menuIsOpen(window_->widget()); });
+    window_->present();
+}
+
+} // namespace lumora::platform::linux_backend

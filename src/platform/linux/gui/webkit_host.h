@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/linux/gui/glib_main_loop.h"
+#include "platform/linux/gui/main_window.h"
+#include "platform/web_view.h"
+
+#include <webkit/webkit.h>
+
+#include <functional>
+#include <memory>
+
+namespace lumora::platform::linux_backend {
+
+/// Makes the web view, and later the window around it: the page's load is under way while the window is being built.
+/// Main thread.
+class WebKitHost final : public WebViewHost {
+  public:
+    explicit WebKitHost(GlibMainLoop& loop) : loop_(loop) {}
+
+    [[nodiscard]] std::unique_ptr<WebView> makeWebView() override;
+    [[nodiscard]] Window* window() override;
+
+    /// Builds and shows the window around the view. `lastWindowClosed` runs on the main thread after the window has
+    /// vanished from the screen.
+    void openWindow(GtkApplication* application, std::function<void()> lastWindowClosed);
+
+  private:
+    GlibMainLoop& loop_;
+    ObjectRef<WebKitWebView> view_;
+    std::unique_ptr<MainWindow> window_;
+};
+
+} // namespace lumora::platform::linux_backend

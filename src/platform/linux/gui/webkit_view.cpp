@@ -1,0 +1,220 @@
+#include "platform/linux/gui/webkit_view.h"
+
+#include "platform/linux/gui/load_errors.h"
+#include "platform/linux/gui/page_requests.h"
+
+#include <string_view>
+
+namespace lumora::platform::linux_backend {
+
+namespace {
+
+/// Always: the engine's own error page would replace what the host shows next.
+constexpr gboolean kHandled = TRUE;
+
+/// A local page whose process dies this often is left alone: there is nothing else to show.
+constexpr int kMostRevivals = 3;
+
+bool isLocal(std::string_view uri) { return uri.starts_with("file:"); }
+
+std::string hostOf(const std::string& uri) {
+    const std::unique_ptr<GUri, Release<g_uri_unref>> parsed(
+        g_uri_parse(uri.c_str(), G_URI_FLAGS_NONE, nullptr));
+    return parsed == nullptr ? uri : textOf(g_uri_get_host(parsed.get()));
+}
+
+/// The address in the engine's own form: what its later reports compare with.
+std::string addressOf(WebKitURIRequest* request) { return textOf(webkit_uri_request_get_uri(request)); }
+
+ObjectRef<WebKitURIRequest> requestFor(const std::string& url) {
+    return ObjectRef<WebKitURIRequest>::adopt(webkit_uri_request_new(url.c_str()));
+}
+
+LoadTracker::FailureKind kindOf(const GError& error) {
+    constexpr int kBlockedByContentFilter = 104; // the engine names no constant for it
+    if (g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED))
+        return LoadTracker::FailureKind::cancelled;
+    if (g_error_matches(&error, WEBKIT_POLICY_ERROR,
+                        WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE))
+        return LoadTracker::FailureKind::interruptedByPolicy;
+    if (g_error_matches(&error, WEBKIT_POLICY_ERROR, kBlockedByContentFilter))
+        return LoadTracker::FailureKind::blockedByFilter;
+    return LoadTracker::FailureKind::other;
+}
+
+ObjectRef<WebKitWebView> makeView() {
+    auto view = ObjectRef<WebKitWebView>::retain(WEBKIT_WEB_VIEW(webkit_web_view_new()));
+    applySettings(webkit_web_view_get_settings(view.get()));
+    answerPageRequestsSilently(view.get());
+    return view;
+}
+
+using ScriptCompletion = std::function<void(std::optional<Error>)>;
+
+void scriptEnded(GObject* view, GAsyncResult* result, gpointer data) {
+    const std::unique_ptr<ScriptCompletion> completion(static_cast<ScriptCompletion*>(data));
+    GError* failure = nullptr;
+    const auto value = ObjectRef<JSCValue>::adopt(
+        webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view), result, &failure));
+    const ErrorPointer error(failure);
+    (*completion)(error ? std::optional<Error>(scriptError(*error)) : std::nullopt);
+}
+
+} // namespace
+
+WebKitView::WebKitView(MainLoop& loop)
+    : loop_(loop), view_(makeView()), messages_(webkit_web_view_get_user_content_manager(view_.get()),
+                                                [this](const ScriptMessage& message) {
+                                                    if (delegate_ != nullptr)
+                                                        delegate_->didReceiveScriptMessage(message);
+                                                }),
+      gate_(view_.get(), tracker_, [this] { return delegate_; }), signals_(view_.get()) {
+    signals_.connect("load-changed", &WebKitView::loadChanged, this);
+    signals_.connect("load-failed", &WebKitView::loadFailed, this);
+    signals_.connect("load-failed-with-tls-errors", &WebKitView::certificateRejected, this);
+    signals_.connect("web-process-terminated", &WebKitView::processTerminated, this);
+}
+
+WebKitView::~WebKitView() = default;
+
+void WebKitView::load(const PageRequest& request) {
+    const auto engineRequest = requestFor(request.url);
+    const std::string uri = addressOf(engineRequest.get());
+    if (gate_.judgeOwnLoad(uri) == NavigationPolicy::cancel)
+        return;
+    startLoad(engineRequest.get());
+    timeout_ = loop_.scheduleTimer(request.timeout, TimerMode::commonModes, [this, uri] { timedOut(uri); });
+}
+
+void WebKitView::loadFile(const std::string& path, const std::string&) {
+    const CharPointer fileUri(g_filename_to_uri(path.c_str(), nullptr, nullptr));
+    if (!fileUri)
+        return;
+    const auto engineRequest = requestFor(fileUri.get());
+    const std::string uri = addressOf(engineRequest.get());
+    if (gate_.judgeOwnLoad(uri) == NavigationPolicy::cancel || tracker_.awaited() == uri)
+        return;
+    if (committed_ == uri) {
+        stopLoad(); // the page stays; what was to replace it does not come
+        return;
+    }
+    timeout_.reset();
+    startLoad(engineRequest.get());
+}
+
+void WebKitView::startLoad(WebKitURIRequest* request) {
+    tracker_.hostLoads(addressOf(request));
+    webkit_web_view_load_request(view_.get(), request);
+}
+
+void WebKitView::stopLoad() {
+    timeout_.reset();
+    if (tracker_.hostWithdraws() == LoadTracker::Withdrawal::stopEngine)
+        webkit_web_view_stop_loading(view_.get());
+}
+
+// By value: the timer that holds the original goes with the load.
+void WebKitView::timedOut(std::string uri) {
+    stopLoad();
+    reportProvisionalFailure(timedOutError(uri));
+}
+
+void WebKitView::evaluateJavaScript(const std::string& script, ScriptCompletion completion) {
+    webkit_web_view_evaluate_javascript(view_.get(), script.data(), static_cast<gssize>(script.size()),
+                                        nullptr, nullptr, nullptr, scriptEnded,
+                                        new ScriptCompletion(std::move(completion)));
+}
+
+void WebKitView::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer data) {
+    auto* self = static_cast<WebKitView*>(data);
+    switch (event) {
+    case WEBKIT_LOAD_STARTED:
+        self->tracker_.started();
+        break;
+    case WEBKIT_LOAD_REDIRECTED:
+        break;
+    case WEBKIT_LOAD_COMMITTED:
+        self->committed_ = textOf(webkit_web_view_get_uri(view));
+        self->tracker_.committed();
+        self->timeout_.reset();
+        break;
+    case WEBKIT_LOAD_FINISHED:
+        self->tracker_.finished();
+        break;
+    }
+}
+
+gboolean WebKitView::loadFailed(WebKitWebView*, WebKitLoadEvent event, char* uri, GError* error,
+                                gpointer data) {
+    auto* self = static_cast<WebKitView*>(data);
+    const std::string address = textOf(uri);
+    if (!self->isPageFailure(kindOf(*error), address))
+        return kHandled;
+    if (event == WEBKIT_LOAD_COMMITTED)
+        self->reportFailure(loadError(*error, address));
+    else
+        self->reportProvisionalFailure(loadError(*error, address));
+    return kHandled;
+}
+
+gboolean WebKitView::certificateRejected(WebKitWebView*, char* uri, GTlsCertificate*,
+                                         GTlsCertificateFlags flags, gpointer data) {
+    auto* self = static_cast<WebKitView*>(data);
+    const std::string address = textOf(uri);
+    if (!self->isPageFailure(LoadTracker::FailureKind::other, address))
+        return kHandled;
+    const std::string host = hostOf(address);
+    if (self->delegate_ != nullptr)
+        self->delegate_->didFailServerTrust(serverTrustError(flags, host));
+    self->reportProvisionalFailure(untrustedServerError(flags, host, address));
+    return kHandled;
+}
+
+bool WebKitView::isPageFailure(LoadTracker::FailureKind kind, const std::string& uri) {
+    const LoadTracker::Verdict verdict = tracker_.failed(kind, uri);
+    if (verdict == LoadTracker::Verdict::replacedByHost)
+        return false; // the timer belongs to the successor
+    timeout_.reset();
+    if (verdict == LoadTracker::Verdict::cancelledByPolicy)
+        return false;
+    if (isLocal(uri)) {
+        // The local pages are what a failure shows: reporting theirs could go round for ever.
+        g_warning("A local page cannot be shown: %s", uri.c_str());
+        return false;
+    }
+    return true;
+}
+
+void WebKitView::processTerminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer data) {
+    auto* self = static_cast<WebKitView*>(data);
+    const std::string awaited = self->tracker_.awaited();
+    const std::string lost = awaited.empty() ? self->committed_ : awaited;
+    self->committed_.clear();
+    self->timeout_.reset();
+    self->tracker_.reset();
+    if (isLocal(lost))
+        self->revive(lost);
+    else
+        self->reportFailure(processTerminatedError(lost));
+}
+
+// Nobody else would: a local page's failure is not reported.
+void WebKitView::revive(const std::string& localPage) {
+    if (localPage != revived_)
+        revivals_ = 0;
+    revived_ = localPage;
+    if (++revivals_ <= kMostRevivals)
+        startLoad(requestFor(localPage).get());
+}
+
+void WebKitView::reportProvisionalFailure(const Error& error) {
+    if (delegate_ != nullptr)
+        delegate_->didFailProvisionalNavigation(error);
+}
+
+void WebKitView::reportFailure(const Error& error) {
+    if (delegate_ != nullptr)
+        delegate_->didFailNavigation(error);
+}
+
+} // namespace lumora::platform::linux_backend

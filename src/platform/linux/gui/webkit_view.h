@@ -1,0 +1,65 @@
+#pragma once
+
+#include "platform/linux/gui/load_tracker.h"
+#include "platform/linux/gui/navigation_gate.h"
+#include "platform/linux/gui/script_messages.h"
+#include "platform/main_loop.h"
+#include "platform/web_view.h"
+
+#include <webkit/webkit.h>
+
+#include <memory>
+#include <string>
+
+namespace lumora::platform::linux_backend {
+
+/// The web view on WebKitGTK. The widget may be placed in a window at any time after its making; it lives as long as
+/// this object, also after its window has closed. Main thread.
+class WebKitView final : public WebView {
+  public:
+    explicit WebKitView(MainLoop& loop);
+    ~WebKitView() override;
+    WebKitView(const WebKitView&) = delete;
+    WebKitView& operator=(const WebKitView&) = delete;
+
+    void addScriptMessageHandler(const std::string& name) override { messages_.add(name); }
+    void removeScriptMessageHandler(const std::string& name) override { messages_.remove(name); }
+    void setDelegate(WebViewDelegate* delegate) override { delegate_ = delegate; }
+    void load(const PageRequest& request) override;
+    void loadFile(const std::string& path, const std::string& readAccessFolder) override;
+    void evaluateJavaScript(const std::string& script,
+                            std::function<void(std::optional<Error>)> completion) override;
+
+    [[nodiscard]] WebKitWebView* widget() const { return view_.get(); }
+
+  private:
+    static void loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self);
+    static gboolean loadFailed(WebKitWebView* view, WebKitLoadEvent event, char* uri, GError* error,
+                               gpointer self);
+    static gboolean certificateRejected(WebKitWebView* view, char* uri, GTlsCertificate* certificate,
+                                        GTlsCertificateFlags flags, gpointer self);
+    static void processTerminated(WebKitWebView* view, WebKitWebProcessTerminationReason reason,
+                                  gpointer self);
+
+    void startLoad(WebKitURIRequest* request);
+    void stopLoad();
+    void timedOut(std::string uri);
+    void revive(const std::string& localPage);
+    [[nodiscard]] bool isPageFailure(LoadTracker::FailureKind kind, const std::string& uri);
+    void reportProvisionalFailure(const Error& error);
+    void reportFailure(const Error& error);
+
+    MainLoop& loop_;
+    ObjectRef<WebKitWebView> view_;
+    WebViewDelegate* delegate_ = nullptr;
+    LoadTracker tracker_;
+    ScriptMessages messages_;
+    NavigationGate gate_;
+    SignalConnections signals_;
+    std::unique_ptr<Timer> timeout_; ///< from the host's load until its page is shown
+    std::string committed_;          ///< the address of the page that stands; empty: none
+    std::string revived_;            ///< the local page that was shown again after its process had died
+    int revivals_ = 0;               ///< how often that was done
+};
+
+} // namespace lumora::platform::linux_backend
