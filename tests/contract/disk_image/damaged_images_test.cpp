@@ -104,6 +104,15 @@ TEST_F(DamagedImages, placesBeyondTheImageAreRefused) {
     expectRefused(folder_ / "far.iso", "folder records are damaged");
 }
 
+TEST_F(DamagedImages, filesOfDifferentSizeAtOnePlaceAreRefused) {
+    fillTree();
+    ImageBytes image(makeOvraImage());
+    image.setSector("OvraCrashDetector", image.sectorOf("Info.plist"));
+    image.save(folder_ / "overlap.iso");
+
+    expectRefused(folder_ / "overlap.iso", "folder records are damaged");
+}
+
 TEST_F(DamagedImages, folderThatContainsItselfIsRefused) {
     fillTree();
     ImageBytes image(makeOvraImage());

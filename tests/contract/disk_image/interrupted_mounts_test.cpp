@@ -61,7 +61,9 @@ TEST_P(InterruptedMounts, killedMountLeavesTheFormerVolumeMounted) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, InterruptedMounts, ::testing::Values(SIGTERM, SIGKILL),
-                         [](const auto& signal) { return signal.param == SIGTERM ? "terminated" : "killed"; });
+                         [](const auto& signal) {
+                             return signal.param == SIGTERM ? "terminated" : "killed";
+                         });
 
 using MountsUnderWay = DiskImageFixture;
 

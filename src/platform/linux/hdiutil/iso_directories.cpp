@@ -2,6 +2,7 @@
 #include "platform/linux/hdiutil/iso_volume.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -100,6 +101,10 @@ class DirectoryWalk {
         }
         if ((record[kFlagsAt] & kFolderFlag) != 0) {
             pending_.push_back(*extent);
+        } else if (extent->bytes > 0 &&
+                   fileSizes_.emplace(extent->sector, extent->bytes).first->second != extent->bytes) {
+            // Files may share their contents, but then all of them. The image reader looks at the place alone.
+            damaged();
         }
     }
 
@@ -109,6 +114,7 @@ class DirectoryWalk {
     std::uint32_t sectorsLeft_;
     std::size_t recordsInFolder_ = 0;
     std::unordered_set<std::uint32_t> seen_;
+    std::unordered_map<std::uint32_t, std::uint32_t> fileSizes_; // by first sector
     std::vector<IsoExtent> pending_;
 };
 

@@ -1,5 +1,6 @@
 #include "platform/linux/hdiutil/volume_unpacker.h"
 
+#include "platform/linux/hdiutil/entry_attributes.h"
 #include "platform/linux/hdiutil/failure.h"
 #include "platform/linux/hdiutil/file_descriptor.h"
 #include "platform/linux/hdiutil/volume_tree.h"
@@ -12,42 +13,21 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 
-#include <array>
+#include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace lumora::platform::linux_backend {
 namespace {
 
 constexpr std::size_t kReadBytes = 256 * 1024;
-constexpr mode_t kKeptModeBits = S_IRWXU | S_IRWXG | S_IRWXO;
 
 struct FreeArchive {
     void operator()(archive* reader) const noexcept { archive_read_free(reader); }
 };
-
-/// What is set on an entry once nothing more is written to it or into it.
-struct Attributes {
-    mode_t mode = 0;
-    std::array<timespec, 2> times{}; // access, modification
-};
-
-Attributes attributesOf(archive_entry* entry) {
-    Attributes attributes;
-    attributes.mode = archive_entry_perm(entry) & kKeptModeBits;
-    auto& [accessed, modified] = attributes.times;
-    modified = {archive_entry_mtime(entry), archive_entry_mtime_nsec(entry)};
-    if (archive_entry_mtime_is_set(entry) == 0) {
-        modified.tv_nsec = UTIME_OMIT;
-    }
-    accessed = {archive_entry_atime(entry), archive_entry_atime_nsec(entry)};
-    if (archive_entry_atime_is_set(entry) == 0) {
-        accessed = modified;
-    }
-    return attributes;
-}
 
 void writeAll(int file, const char* data, std::size_t size) {
     while (size > 0) {
@@ -96,11 +76,11 @@ class Unpacker {
     struct DeferredLink {
         std::string path;
         std::string target;
-        Attributes attributes;
+        EntryAttributes attributes;
     };
     struct DeferredFolder {
         std::string path;
-        Attributes attributes;
+        EntryAttributes attributes;
     };
     /// An entry's folder, open, and its name in there.
     struct Place {
@@ -121,7 +101,7 @@ class Unpacker {
         }
         const std::string path = rawPath;
         if (path == "." && archive_entry_filetype(entry) == AE_IFDIR) {
-            rootAttributes_ = attributesOf(entry);
+            rootAttributes_ = EntryAttributes::of(entry);
             return;
         }
         if (tree_.size() >= limits_.entries) {
@@ -129,12 +109,12 @@ class Unpacker {
         }
         switch (archive_entry_filetype(entry)) {
         case AE_IFDIR:
-            makeFolder(path, attributesOf(entry));
+            makeFolder(path, EntryAttributes::of(entry));
             break;
         case AE_IFREG:
             tree_.add(path, EntryKind::file);
             if (const char* original = archive_entry_hardlink(entry); original != nullptr) {
-                copyLastFile(path, original, attributesOf(entry));
+                copyLastFile(path, original, EntryAttributes::of(entry));
             } else {
                 writeFile(path, entry);
             }
@@ -143,7 +123,7 @@ class Unpacker {
             const char* rawTarget = archive_entry_symlink(entry);
             const std::string target = rawTarget != nullptr ? rawTarget : "";
             tree_.add(path, EntryKind::link, target);
-            links_.push_back({path, target, attributesOf(entry)});
+            links_.push_back({path, target, EntryAttributes::of(entry)});
             break;
         }
         default:
@@ -181,7 +161,7 @@ class Unpacker {
         return folder;
     }
 
-    void makeFolder(const std::string& path, const Attributes& attributes) {
+    void makeFolder(const std::string& path, const EntryAttributes& attributes) {
         tree_.add(path, EntryKind::folder);
         const Place place = placeOf(path);
         // The folder's own mode may forbid writing into it: that waits until all is unpacked.
@@ -241,14 +221,15 @@ class Unpacker {
         if (written != size) {
             throw DiskImageFailure(fmt::format("the image's file \"{}\" is cut short", printable(path)));
         }
-        setAttributes(file.get(), path, attributesOf(entry));
+        EntryAttributes::of(entry).apply(file.get(), path);
         lastFile_ = std::move(file);
         lastFilePath_ = path;
     }
 
     /// The reader reports a second name of the same contents right after the first, so the first is still open. It is
     /// copied through that descriptor because its mode may already forbid opening it again.
-    void copyLastFile(const std::string& path, const std::string& original, const Attributes& attributes) {
+    void copyLastFile(const std::string& path, const std::string& original,
+                      const EntryAttributes& attributes) {
         struct stat status {};
         if (!lastFile_ || original != lastFilePath_ || ::fstat(lastFile_.get(), &status) != 0) {
             throw DiskImageFailure(
@@ -265,15 +246,7 @@ class Unpacker {
             writeAll(file.get(), buffer.data(), static_cast<std::size_t>(count));
             at += count;
         }
-        setAttributes(file.get(), path, attributes);
-    }
-
-    static void setAttributes(int descriptor, const std::string& path, const Attributes& attributes) {
-        // Times first: the mode does not touch them.
-        if (::futimens(descriptor, attributes.times.data()) != 0 ||
-            ::fchmod(descriptor, attributes.mode) != 0) {
-            throwErrno("cannot set the attributes of " + printable(path));
-        }
+        attributes.apply(file.get(), path);
     }
 
     void makeLinks() {
@@ -290,9 +263,9 @@ class Unpacker {
     void finishFolders() {
         // Folders come before what they hold, so backwards is from the inside out.
         for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
-            setAttributes(openFolder(folder->path).get(), folder->path, folder->attributes);
+            folder->attributes.apply(openFolder(folder->path).get(), folder->path);
         }
-        setAttributes(root_, "the volume", rootAttributes_);
+        rootAttributes_.apply(root_, "the volume");
     }
 
     int root_;
@@ -301,8 +274,7 @@ class Unpacker {
     VolumeTree tree_;
     std::vector<DeferredLink> links_;
     std::vector<DeferredFolder> folders_;
-    Attributes rootAttributes_{S_IRWXU | S_IRGRP | S_IXGRP | S_IROTH | S_IXOTH,
-                               {{{0, UTIME_OMIT}, {0, UTIME_OMIT}}}};
+    EntryAttributes rootAttributes_;
     std::uint64_t bytesClaimed_ = 0;
     FileDescriptor openFolder_;
     std::string openFolderPath_;

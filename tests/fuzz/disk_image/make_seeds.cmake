@@ -1,0 +1,27 @@
+# Small images of different kinds. The first 16 sectors of an image mean nothing; the fuzzers put them back.
+set(tree ${SEEDS}/tree)
+file(REMOVE_RECURSE ${SEEDS})
+file(MAKE_DIRECTORY ${SEEDS}/images ${tree}/folder/inner)
+file(WRITE ${tree}/file "contents")
+file(WRITE ${tree}/empty "")
+file(WRITE ${tree}/folder/a-rather-long-name-that-needs-its-room "more contents")
+file(CREATE_LINK folder/inner ${tree}/link SYMBOLIC)
+file(CREATE_LINK ../../file ${tree}/folder/inner/back SYMBOLIC)
+file(CREATE_LINK ${tree}/file ${tree}/second-name)
+
+function(make_seed name)
+  execute_process(COMMAND ${XORRISO} -as mkisofs -quiet -no-pad -o ${SEEDS}/${name}.iso ${ARGN}
+    RESULT_VARIABLE failed ERROR_VARIABLE reason)
+  if(failed)
+    message(FATAL_ERROR "xorriso: ${reason}")
+  endif()
+  execute_process(COMMAND tail -c +32769 ${SEEDS}/${name}.iso OUTPUT_FILE ${SEEDS}/images/${name})
+endfunction()
+
+make_seed(rock_ridge -R -V Ovra ${tree})
+make_seed(joliet -J -V Ovra ${tree})
+make_seed(both -R -J -V "Lumora Plugin" ${tree})
+make_seed(plain -V Ovra ${tree})
+make_seed(relocated -R -V Ovra -graft-points /1/2/3/4/5/6/7/8/9/deep=${tree}/file)
+make_seed(compressed -R -z -V Ovra ${tree})
+file(WRITE ${SEEDS}/made "")
