@@ -27,8 +27,7 @@ class Preferences(EndToEndCase):
                 self.assertEqual(self.data_centre.requests("/join")[-1]["host"], "com.ovratessel.example")
                 self.page.post("sendRRSessionDigestToNative", "kept")
                 self.assertEqual(self.page.ask("getRRSessionDigest", "receiveRRSessionDigest"), ["kept"])
-                self.assertEqual(self.application.close(), 0)
-                waiting.until(lambda: self.data_centre.control("GET", "/drive/pages")["pages"] == 0, "the page's end")
+                self.close()
 
     def test_preferences_configure_without_arguments(self):
         self.write(plistlib.dumps({"DC": "eu", "pathForLumora": "join", "LumoraToken": TOKEN}, fmt=plistlib.FMT_BINARY))
@@ -62,7 +61,7 @@ class Preferences(EndToEndCase):
 class Answers(EndToEndCase):
     def test_check_that_answers_nothing_usable_counts_as_current(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         answers = ["", "null", "[]", "5", '"text"', "{", "<html>", "[" * 100000, "[" * 1000 + "]" * 1000, "\x00\xff",
                    {}, {"representation": None}, {"representation": []}, {"representation": {}},
                    {"representation": {"AGENT": []}}, {"representation": {"AGENT": {}}},
@@ -82,7 +81,7 @@ class Answers(EndToEndCase):
 
     def test_update_needed_is_read_as_the_platform_reads_booleans(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         current, outdated = "This mac has latest Ovra App", "Updated Ovra App Version Available in Server.."
         for value, line in ((True, outdated), (False, current), (1, outdated), (0, current), (0.5, outdated),
                             ("YES", outdated), ("no", current), (" 007", outdated), ("true", outdated), ("0", current)):
@@ -106,7 +105,7 @@ class Folders(EndToEndCase):
 
     def test_unwritable_agent_folder_has_its_lines(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.read_only(self.home.agent_folder)
         mark = self.log.mark()
         self.join()
@@ -122,7 +121,7 @@ class Folders(EndToEndCase):
         self.install_agent()
         before = self.home.join_details.read_bytes()
         self.restart()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.read_only(self.home.agent_folder)
         mark = self.log.mark()
         self.join(key=987654321)
@@ -133,7 +132,7 @@ class Folders(EndToEndCase):
 
     def test_log_comes_back_with_its_folder(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         undo = self.read_only(self.home.log_folder)
         self.page.post("consoleHandler", "while nothing can be written")
         self.page.barrier()
@@ -149,7 +148,7 @@ class Folders(EndToEndCase):
         self.home.agent_folder.parent.mkdir(parents=True)
         self.home.agent_folder.write_text("in the way")
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.log.wait_for("+[Utils createOvraVarloNativeFolder] Ovra Varlo Native folder Already Present")
         mark = self.log.mark()
         self.join()

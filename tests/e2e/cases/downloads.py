@@ -21,7 +21,7 @@ class Downloads(EndToEndCase):
     def setUp(self):
         super().setUp()
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.mark = self.log.mark()
 
     def assert_failed_mount(self):

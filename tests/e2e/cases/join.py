@@ -43,7 +43,7 @@ def tree(folder):
 class Join(EndToEndCase):
     def test_without_an_agent_installs_and_starts_it(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         mark = self.log.mark()
 
         self.join()
@@ -61,7 +61,7 @@ class Join(EndToEndCase):
 
     def test_without_an_agent_writes_exactly_these_lines(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         mark = self.log.mark()
 
         self.join()
@@ -129,7 +129,7 @@ class Join(EndToEndCase):
     def test_with_a_current_agent_starts_it_at_once(self):
         self.install_agent()
         self.restart()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.data_centre.control("DELETE", "/requests")
         mark = self.log.mark()
 
@@ -158,7 +158,7 @@ class Join(EndToEndCase):
         helper.write_text("kept from the older agent", encoding="ascii")
         self.data_centre.upgrade_agent_image("2.0.0")
         self.restart()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.data_centre.control("DELETE", "/requests")
         mark = self.log.mark()
 
@@ -180,7 +180,7 @@ class Join(EndToEndCase):
 
     def test_from_the_request_page_takes_the_stored_name(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.page.post("sendCustomerDetailsToNative", json.dumps(
             {"name": "Kim Muster", "company": "Muster AG", "email": EMAIL, "language": "de"}))
         mark = self.log.mark()
@@ -195,14 +195,14 @@ class Join(EndToEndCase):
 
     def test_from_the_request_page_without_a_name_has_none(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.page.post("sendRRSessionKeyToNative", "ABC-12345")
         self.wait_for_install()
         self.assert_join_details(key="ABC-12345", email="(null)")
 
     def test_second_join_overtakes_a_slow_download(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.data_centre.behave(IMAGE_PATH, delay_ms=6000, times=1)
         self.join(key=111111111)
         waiting.until(lambda: len(self.data_centre.requests(IMAGE_PATH)) == 1, "the first image request")
@@ -220,11 +220,9 @@ class Join(EndToEndCase):
         self.assertTrue(os.path.isdir("/Volumes/Ovra/Ovra.app"))
 
         # A volume that was left mounted is in no later join's way.
-        self.assertEqual(self.application.close(), 0)
         self.data_centre.upgrade_agent_image("2.0.0")
-        waiting.until(lambda: self.data_centre.control("GET", "/drive/pages")["pages"] == 0, "the page's end")
-        self.start()
-        self.wait_for_version_check()
+        self.restart()
+        self.wait_for_launch_checks()
         mark = self.log.mark()
         self.join(key=333333333)
         self.wait_for_install(mark)
@@ -234,7 +232,7 @@ class Join(EndToEndCase):
 
     def test_two_joins_at_once_start_an_agent_and_harm_nothing(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.data_centre.behave(IMAGE_PATH, delay_ms=500)
         mark = self.log.mark()
 

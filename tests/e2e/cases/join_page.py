@@ -14,7 +14,7 @@ class JoinPage(EndToEndCase):
     def setUp(self):
         super().setUp()
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
 
     def enter(self, **fields):
         for name, text in fields.items():

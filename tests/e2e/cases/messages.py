@@ -50,7 +50,7 @@ class Messages(EndToEndCase):
     def setUp(self):
         super().setUp()
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.mark = self.log.mark()
 
     def lines(self):
@@ -176,7 +176,7 @@ class BadBodies(EndToEndCase):
     def setUp(self):
         super().setUp()
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.page.barrier()
         self.mark = self.log.mark()
         self.before = self.stored()

@@ -93,15 +93,17 @@ class ProxySettings(EndToEndCase):
                 self.assertEqual(self.home.connection_settings.read_bytes(), content)
                 self.assertEqual(self.lines_of(mark, "setupProxyDetails"), [])
 
-    def test_place_that_cannot_be_written_has_its_line(self):
-        self.home.connection_settings.mkdir()
+    def test_file_that_cannot_be_written_has_its_line(self):
+        content = plistlib.dumps({"ProxyIpAddress": "kept"})
+        self.home.connection_settings.write_bytes(content)
+        self.read_only(self.home.connection_settings)
         self.enter()
         mark = self.log.mark()
         self.join()
         self.log.wait_for("handleMessageFromWebView(message:) : Unable to update Ovra Tessel Agent", mark)
-        # A folder stands there: it exists, and cannot be read.
-        self.assertEqual(self.lines_of(mark, "setupProxyDetails"), [])
-        self.assertTrue(self.home.connection_settings.is_dir())
+        self.assertEqual(self.lines_of(mark, "setupProxyDetails"), [
+            "setupProxyDetails() : Unable to write connection settings to ConnectionSettings.plist."])
+        self.assertEqual(self.home.connection_settings.read_bytes(), content)
 
     def test_settings_are_there_before_the_agent_starts(self):
         self.data_centre.control("DELETE", "/behaviour")

@@ -18,12 +18,12 @@ class Refusals(EndToEndCase):
     def setUp(self):
         super().setUp()
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.data_centre.control("DELETE", "/requests")
         self.mark = self.log.mark()
 
     def lines(self):
-        return self.lines_of(self.mark, BRIDGE, "setupProxyDetails", "-[ApiHandler check", "-[OvraAppUpgrader")
+        return self.lines_of(self.mark, BRIDGE, "setupProxyDetails", "-[ApiHandler checkOvraTessel", "-[OvraAppUpgrader")
 
     def assert_nothing_was_asked(self):
         self.page.barrier()

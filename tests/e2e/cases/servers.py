@@ -21,7 +21,7 @@ class Servers(EndToEndCase):
 
     def test_without_a_token_nothing_is_asked_for_it(self):
         self.start({"DC": "com", "pathForLumora": "join"})
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.assertEqual(self.data_centre.requests("/join")[0]["target"], "/join")
         self.assertEqual(self.data_centre.requests(SERVICE_DOMAIN_PATH), [])
         self.log.wait_for("+[Utils parseCommandLineArgs] : Lumora Token is null, skipping getCustomDomain call.")
@@ -32,7 +32,7 @@ class Servers(EndToEndCase):
     def test_custom_domain_serves_the_page_and_the_request_page_join(self):
         self.custom_domain(CUSTOM)
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.assertEqual(self.data_centre.requests("/join")[0]["host"], CUSTOM)
 
         self.page.post("sendRRSessionKeyToNative", "123456789")
@@ -45,7 +45,7 @@ class Servers(EndToEndCase):
     def test_join_page_join_goes_back_to_the_configured_server(self):
         self.custom_domain(CUSTOM)
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.join()
         self.wait_for_install()
         self.assertEqual(self.data_centre.requests(CHECK_PATH)[0]["host"], "com.ovratessel.example")
@@ -54,7 +54,7 @@ class Servers(EndToEndCase):
     def test_custom_domain_equal_to_the_configured_server_is_none(self):
         self.custom_domain("com.ovratessel.example")
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.join()
         self.wait_for_install()
         self.assert_join_details(custom="false")
@@ -67,12 +67,11 @@ class Servers(EndToEndCase):
                 self.data_centre.control("DELETE", "/requests")
                 self.start()
                 self.assertEqual(self.data_centre.requests("/join")[0]["host"], "com.ovratessel.example")
-                self.assertEqual(self.application.close(), 0)
-                waiting.until(lambda: self.data_centre.control("GET", "/drive/pages")["pages"] == 0, "the page's end")
+                self.close()
 
     def test_join_names_its_own_data_centre(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.join(dc="eu")
         self.wait_for_install()
         self.assertEqual(self.data_centre.requests(CHECK_PATH)[0]["host"], "eu.ovratessel.example")
@@ -81,14 +80,14 @@ class Servers(EndToEndCase):
 
     def test_join_with_a_null_data_centre_uses_the_configured_one(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.join(dc=None)
         self.wait_for_install()
         self.assert_join_details()
 
     def test_unknown_data_centre_is_a_developers_machine(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         mark = self.log.mark()
         self.join(dc="somebody")
         self.wait_for_install()
@@ -98,7 +97,7 @@ class Servers(EndToEndCase):
 
     def test_empty_data_centre_is_looked_up_too(self):
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         mark = self.log.mark()
         self.join(dc="")
         self.log.wait_for("-[ApiHandler findServerNameUsingDC:] : *** DcName is nil or empty.", mark)

@@ -20,8 +20,8 @@ def install():
 def windows_of(pid):
     """Identifier and title of each window of a process."""
     listed = subprocess.run(["wmctrl", "-l", "-p"], capture_output=True, text=True, check=False).stdout
-    found = [re.match(r"(0x\w+)\s+\S+\s+(\d+)\s+\S+\s(.*)$", line) for line in listed.splitlines()]
-    return {one[1]: one[3] for one in found if one and int(one[2]) == pid}
+    found = [re.match(r"(0x\w+)\s+\S+\s+(\d+)\s+\S+(?:\s(.*))?$", line) for line in listed.splitlines()]
+    return {one[1]: one[3] or "" for one in found if one and int(one[2]) == pid}
 
 
 class Application:

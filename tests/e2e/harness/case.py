@@ -10,6 +10,7 @@ import unittest
 from harness import application, places, waiting
 from harness.agent import LAUNCH_ARGUMENTS, wait_for_records
 from harness.data_centre import DataCentre
+from harness.log_file import Log
 from harness.page import Page
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "world"))
@@ -95,22 +96,29 @@ class EndToEndCase(unittest.TestCase):
 
     def start(self, arguments=None, environment=None, wait_for_page=True):
         """Starts the application as its installer configures it, and waits for the join page."""
+        if self.application:
+            self.application.kill()
         if arguments is None:
             arguments = {"DC": "com", "LumoraToken": TOKEN, "pathForLumora": "join"}
+        self.log = Log(self.home)
+        self.started = self.log.mark()
         self.application = application.Application(self.home, arguments, environment)
-        self.log = self.application.log
         if wait_for_page:
             self.page.wait_until_loaded()
         return self.application
 
-    def restart(self, arguments=None):
+    def close(self):
+        """Closes the window, and waits until the data centre has noticed: the next page must not be taken for this."""
         self.assertEqual(self.application.close(), 0)
-        # A page of the process that has just ended must not be taken for the new one's.
         waiting.until(lambda: self.data_centre.control("GET", "/drive/pages")["pages"] == 0, "the old page's end")
+
+    def restart(self, arguments=None):
+        self.close()
         return self.start(arguments)
 
-    def wait_for_version_check(self):
-        self.log.wait_for_start("-[OvraAppUpgrader ovraAppVersionCheck]")
+    def wait_for_launch_checks(self):
+        """The agent's version has been read, the launch's preference written, the self-check answered."""
+        self.log.wait_for_start("-[ApiHandler checkLumoraUpdateWithCompletion:]_block_invoke", self.started)
 
     def join(self, key=KEY, email=EMAIL, **more):
         self.page.post("sendJoinDetailsToNative", json.dumps({"sessionKey": key, "email": email} | more))
@@ -124,7 +132,7 @@ class EndToEndCase(unittest.TestCase):
     def install_agent(self):
         """A first join, to its end: leaves an installed agent."""
         self.start()
-        self.wait_for_version_check()
+        self.wait_for_launch_checks()
         self.join()
         self.wait_for_install()
         wait_for_records(self.home)
@@ -145,16 +153,17 @@ class EndToEndCase(unittest.TestCase):
         self.assertEqual(places.volumes(), [], "something is still mounted")
         self.assertFalse(self.home.image.exists(), "the image is still there")
 
-    def read_only(self, folder):
-        """Makes a folder unwritable, also for root, until the returned operation is called or the test ends."""
-        folder.mkdir(parents=True, exist_ok=True)
-        subprocess.run(["mount", "--bind", folder, folder], check=True)
-        subprocess.run(["mount", "-o", "remount,bind,ro", folder], check=True)
+    def read_only(self, path):
+        """Makes a file or folder unwritable, also for root, until the returned operation is called or the test ends."""
+        if not path.exists():
+            path.mkdir(parents=True)
+        subprocess.run(["mount", "--bind", path, path], check=True)
+        subprocess.run(["mount", "-o", "remount,bind,ro", path], check=True)
         pending = [True]
 
         def undo():
             if pending and pending.pop():
-                subprocess.run(["umount", "--lazy", folder], check=True)
+                subprocess.run(["umount", "--lazy", path], check=True)
         self.addCleanup(undo)
         return undo
 

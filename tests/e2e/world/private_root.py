@@ -17,6 +17,9 @@ PRODUCT_FOLDERS = ["Applications", "Library", "Volumes"]
 # Empty in the world: sockets of the machine's services would answer for the machine, not for the world.
 EMPTY_FOLDERS = ["run", "tmp"]
 
+# The machine's default handlers: an opened link must not start a browser that happens to be installed.
+PROGRAM_ENTRIES = ["usr/share/applications", "usr/local/share/applications"]
+
 HOSTS = pathlib.Path(__file__).resolve().parent / "hosts.txt"
 SERVER_ADDRESS = "10.87.0.1"
 
@@ -119,6 +122,9 @@ def make(root, kept_paths):
         if len(path.parts) > 2 and path.parts[1] in EMPTY_FOLDERS and path.exists():
             bind(path, str(stage) + str(path))
     mirror_top_level(stage, replaced=["etc", "proc", *PRODUCT_FOLDERS, *EMPTY_FOLDERS])
+    for folder in PROGRAM_ENTRIES:
+        if (stage / folder).is_dir():
+            mount("lumora", stage / folder, "tmpfs", options="mode=755")
     make_etc(stage / "etc")
     copy, store = make_trust_store(root)
     mount(copy, str(stage) + str(store), flags=MS_BIND)
