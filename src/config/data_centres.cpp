@@ -2,6 +2,8 @@
 
 #include "support/rendering.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 

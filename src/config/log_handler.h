@@ -5,11 +5,12 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace lumora {
 
 /// Points the standard streams at the log file and rotates it by size, ten times a second, for the whole run.
-/// Main thread.
+/// Main thread. Made with std::make_shared: its timer shares it.
 class LogHandler : public std::enable_shared_from_this<LogHandler> {
   public:
     /// Sets and creates the log folder, makes one rotation pass and starts the timer.

@@ -11,32 +11,39 @@ namespace {
 
 constexpr const char* kCreateDirectories = "+[Utils createLumoraDirectoriesWithLogHandler:]";
 
-/// A support folder: where it lies under the home folder, and the name under which its lines speak of it.
+/// A support folder: where it lies under the home folder, and its lines.
 struct SupportFolder {
     const char* operation;
     const char* path;
-    const char* name;
+    const char* created;
+    const char* failed;
+    const char* present;
 };
 
-// Only created: the folder belongs to another application of the same maker, which expects to find it.
-constexpr SupportFolder kVarloFolder{"+[Utils createOvraVarloNativeFolder]",
-                                     "/Library/Application Support/OvraVarloNative/", "Ovra Varlo Native"};
+// Only created, never written into.
+constexpr SupportFolder kVarloFolder{
+    "+[Utils createOvraVarloNativeFolder]",     "/Library/Application Support/OvraVarloNative/",
+    "Ovra Varlo Native Folder Created...",      "Failed to Create Ovra Varlo Native Folder...",
+    "Ovra Varlo Native folder Already Present",
+};
 
-constexpr SupportFolder kLumoraFolder{"+[Utils createOvraLumoraNativeFolder]",
-                                      "/Library/Application Support/OvraLumoraNativeFolder/",
-                                      "Ovra Lumora Native"};
+constexpr SupportFolder kLumoraFolder{
+    "+[Utils createOvraLumoraNativeFolder]",     "/Library/Application Support/OvraLumoraNativeFolder/",
+    "Ovra Lumora Native Folder Created...",      "Failed to Create Ovra Lumora Native Folder...",
+    "Ovra Lumora Native folder Already Present",
+};
 
-void createIfMissing(const SupportFolder& folder) {
-    guarded(folder.operation, [&folder] {
-        auto& files = *platform::ports().fileManager;
-        const auto path = files.homeDirectory() + folder.path;
-        if (files.fileExists(path))
-            log("{} {} folder Already Present", folder.operation, folder.name);
-        else if (files.createDirectoryWithIntermediates(path))
-            log("{} {} Folder Created...", folder.operation, folder.name);
-        else
-            log("{} Failed to Create {} Folder...", folder.operation, folder.name);
-    });
+/// Creates what is missing; the line that tells what came of it.
+const char* createIfMissing(const SupportFolder& folder) {
+    auto& files = *platform::ports().fileManager;
+    const auto path = files.homeDirectory() + folder.path;
+    if (files.fileExists(path))
+        return folder.present;
+    return files.createDirectoryWithIntermediates(path) ? folder.created : folder.failed;
+}
+
+void createSupportFolder(const SupportFolder& folder) {
+    guarded(folder.operation, [&folder] { log("{} {}", folder.operation, createIfMissing(folder)); });
 }
 
 /// The banner's lines end in a line feed of their own, to which the log call adds none.
@@ -58,8 +65,8 @@ void Utils::createLumoraDirectoriesWithLogHandler(LogHandler* /*logHandler*/) {
     });
 }
 
-void Utils::createOvraVarloNativeFolder() { createIfMissing(kVarloFolder); }
+void Utils::createOvraVarloNativeFolder() { createSupportFolder(kVarloFolder); }
 
-void Utils::createOvraLumoraNativeFolder() { createIfMissing(kLumoraFolder); }
+void Utils::createOvraLumoraNativeFolder() { createSupportFolder(kLumoraFolder); }
 
 } // namespace lumora
