@@ -1,6 +1,6 @@
 """Which server a join goes to: the data centre's, the join's own, the customer's own domain."""
 
-from harness import agent, waiting
+from harness import agent
 from harness.case import (CHECK_PATH, TOKEN, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 
