@@ -14,6 +14,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -24,9 +25,10 @@ namespace lumora::fakes {
 class FakeAppleScripts final : public platform::AppleScripts {
   public:
     std::vector<std::string> sources;
+    std::optional<platform::Error> error;
     platform::Result<void> run(const std::string& source) override {
         sources.push_back(source);
-        return {};
+        return error ? platform::Result<void>(*error) : platform::Result<void>();
     }
 };
 
