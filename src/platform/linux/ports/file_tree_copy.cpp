@@ -1,0 +1,124 @@
+#include "platform/linux/ports/file_attributes.h"
+#include "platform/linux/ports/file_contents.h"
+#include "platform/linux/ports/file_tree.h"
+#include "platform/posix/posix_error.h"
+#include "platform/posix/unique_fd.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <string_view>
+
+namespace lumora::platform::linux_backend {
+
+namespace {
+
+using posix_backend::posixError;
+using posix_backend::UniqueFd;
+
+/// A place in an open folder; `path` is for messages only.
+struct Entry {
+    int folder;
+    std::string name;
+    std::string path;
+
+    [[nodiscard]] Entry inside(int openFolder, std::string_view inner) const {
+        return {openFolder, std::string(inner), path + '/' + std::string(inner)};
+    }
+};
+
+Result<void> copyEntry(const Entry& source, const Entry& destination);
+
+Result<void> copyLink(const Entry& source, const Entry& destination, const struct stat& status) {
+    std::string target(PATH_MAX, '\0');
+    const ssize_t length = ::readlinkat(source.folder, source.name.c_str(), target.data(), target.size());
+    if (length < 0)
+        return posixError(errno, source.path);
+    target.resize(static_cast<std::size_t>(length));
+    if (::symlinkat(target.c_str(), destination.folder, destination.name.c_str()) != 0)
+        return posixError(errno, destination.path);
+    const timespec times[2] = {status.st_atim, status.st_mtim};
+    if (::utimensat(destination.folder, destination.name.c_str(), times, AT_SYMLINK_NOFOLLOW) != 0)
+        return posixError(errno, destination.path);
+    return {};
+}
+
+Result<void> copyFile(const Entry& source, const Entry& destination) {
+    const UniqueFd from(
+        ::openat(source.folder, source.name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (!from || ::fstat(from.get(), &status) != 0)
+        return posixError(errno, source.path);
+    const UniqueFd to(::openat(destination.folder, destination.name.c_str(),
+                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (!to)
+        return posixError(errno, destination.path);
+    if (const int error = copyContents(from.get(), to.get()); error != 0)
+        return posixError(error, destination.path);
+    const int error = copyAttributes(from.get(), to.get(), status);
+    return error == 0 ? Result<void>() : posixError(error, destination.path);
+}
+
+Result<void> copyFolder(const Entry& source, const Entry& destination) {
+    const UniqueFd from(
+        ::openat(source.folder, source.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status {};
+    if (!from || ::fstat(from.get(), &status) != 0)
+        return posixError(errno, source.path);
+    // The copy's own mode comes last: a read-only folder could not be filled.
+    if (::mkdirat(destination.folder, destination.name.c_str(), S_IRWXU) != 0)
+        return posixError(errno, destination.path);
+    const UniqueFd to(::openat(destination.folder, destination.name.c_str(),
+                               O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    const int listing = ::openat(from.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(listing >= 0 ? ::fdopendir(listing) : nullptr,
+                                                      &::closedir);
+    if (!to || !entries)
+        return posixError(errno, destination.path);
+
+    for (;;) {
+        errno = 0;
+        const dirent* entry = ::readdir(entries.get());
+        if (entry == nullptr && errno != 0)
+            return posixError(errno, source.path);
+        if (entry == nullptr)
+            break;
+        const std::string_view name = entry->d_name;
+        if (name == "." || name == "..")
+            continue;
+        if (auto copied = copyEntry(source.inside(from.get(), name), destination.inside(to.get(), name));
+            !copied)
+            return copied;
+    }
+    const int error = copyAttributes(from.get(), to.get(), status);
+    return error == 0 ? Result<void>() : posixError(error, destination.path);
+}
+
+Result<void> copyEntry(const Entry& source, const Entry& destination) {
+    struct stat status {};
+    if (::fstatat(source.folder, source.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return posixError(errno, source.path);
+    switch (status.st_mode & S_IFMT) {
+    case S_IFLNK:
+        return copyLink(source, destination, status);
+    case S_IFREG:
+        return copyFile(source, destination);
+    case S_IFDIR:
+        return copyFolder(source, destination);
+    default:
+        return posixError(ENOTSUP, source.path);
+    }
+}
+
+} // namespace
+
+Result<void> copyTree(const std::string& source, const std::string& destination) {
+    return copyEntry({AT_FDCWD, source, source}, {AT_FDCWD, destination, destination});
+}
+
+} // namespace lumora::platform::linux_backend

@@ -1,0 +1,221 @@
+#include "platform/linux/ports/linux_file_manager.h"
+
+#include "platform/linux/ports/file_contents.h"
+#include "platform/linux/ports/file_tree.h"
+#include "platform/linux/ports/temporary_sibling.h"
+#include "platform/posix/posix_error.h"
+#include "platform/posix/unique_fd.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+namespace lumora::platform::linux_backend {
+
+namespace {
+
+using posix_backend::posixError;
+using posix_backend::UniqueFd;
+
+constexpr mode_t kDefaultFileMode = 0666; // the umask takes its part
+constexpr mode_t kDefaultFolderMode = 0777;
+
+bool isFolder(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// Absent when the path does not lead anywhere.
+std::string canonical(const std::string& path) {
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), &std::free);
+    return real ? std::string(real.get()) : std::string();
+}
+
+std::string parentOf(const std::string& path) {
+    const std::size_t end = path.find_last_not_of('/');
+    const std::size_t slash = end == std::string::npos ? std::string::npos : path.rfind('/', end);
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// The copy would grow into itself without end.
+bool liesInside(const std::string& destination, const std::string& source) {
+    const std::string folder = canonical(source);
+    return !folder.empty() && (canonical(parentOf(destination)) + '/').starts_with(folder + '/');
+}
+
+// Renames to a path where nothing may stand.
+int renameIntoPlace(const std::string& from, const std::string& to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    // A file system without that operation: look, then rename.
+    struct stat status {};
+    if (::lstat(to.c_str(), &status) == 0)
+        return EEXIST;
+    return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+/// Opens an existing regular file, never waiting for the other end of a pipe.
+Result<UniqueFd> openRegularFile(const std::string& path, int flags) {
+    UniqueFd file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    struct stat status {};
+    if (!file || ::fstat(file.get(), &status) != 0)
+        return posixError(errno, path);
+    if (!S_ISREG(status.st_mode))
+        return posixError(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
+    return file;
+}
+
+} // namespace
+
+LinuxFileManager::LinuxFileManager(HomeFolder home) : home_(std::move(home)) {}
+
+std::string LinuxFileManager::homeDirectory() { return home_.path(); }
+
+std::string LinuxFileManager::libraryDirectory() { return home_.path() + "/Library"; }
+
+Result<std::string> LinuxFileManager::resolved(const std::string& path) const {
+    if (path.find('\0') != std::string::npos)
+        return posixError(EINVAL, path.c_str()); // the kernel would see a shorter path
+    return home_.resolve(path);
+}
+
+bool LinuxFileManager::fileExists(const std::string& path) {
+    const auto place = resolved(path);
+    struct stat status {};
+    return place && ::stat(place.value().c_str(), &status) == 0;
+}
+
+Result<void> LinuxFileManager::createDirectoryWithIntermediates(const std::string& path) {
+    const auto place = resolved(path);
+    if (!place)
+        return place.error();
+    const std::string& folder = place.value();
+    for (std::size_t end = folder.find('/', 1);; end = folder.find('/', end + 1)) {
+        const std::string prefix = folder.substr(0, end);
+        if (::mkdir(prefix.c_str(), kDefaultFolderMode) != 0 && !isFolder(prefix))
+            return posixError(errno == EEXIST ? ENOTDIR : errno, prefix);
+        if (end == std::string::npos)
+            return {};
+    }
+}
+
+Result<void> LinuxFileManager::copyItem(const std::string& source, const std::string& destination) {
+    const auto from = resolved(source);
+    const auto to = resolved(destination);
+    if (!from || !to)
+        return from ? to.error() : from.error();
+
+    struct stat status {};
+    if (::lstat(from.value().c_str(), &status) != 0)
+        return posixError(errno, source);
+    if (S_ISDIR(status.st_mode) && liesInside(to.value(), from.value()))
+        return posixError(EINVAL, destination);
+    if (::lstat(to.value().c_str(), &status) == 0)
+        return posixError(EEXIST, destination);
+
+    const std::string aside = temporarySiblingOf(to.value());
+    Result<void> copied = copyTree(from.value(), aside);
+    if (copied) {
+        if (const int error = renameIntoPlace(aside, to.value()); error != 0)
+            copied = posixError(error, destination);
+    }
+    if (!copied && ::lstat(aside.c_str(), &status) == 0) {
+        if (auto removed = removeTree(aside); !removed)
+            return removed;
+    }
+    return copied;
+}
+
+Result<void> LinuxFileManager::removeItem(const std::string& path) {
+    const auto place = resolved(path);
+    return place ? removeTree(place.value()) : place.error();
+}
+
+Result<void> LinuxFileManager::createFile(const std::string& path, std::string_view contents,
+                                          const FileAttributes& attributes) {
+    const auto place = resolved(path);
+    if (!place)
+        return place.error();
+    const std::string aside = temporarySiblingOf(place.value());
+    const auto mode = static_cast<mode_t>(attributes.posixPermissions.value_or(kDefaultFileMode));
+    const UniqueFd file(::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+    if (!file)
+        return posixError(errno, path);
+    int error = 0;
+    if (attributes.posixPermissions && ::fchmod(file.get(), mode) != 0) // the umask does not count
+        error = errno;
+    if (error == 0)
+        error = writeAll(file.get(), contents);
+    if (error == 0 && ::rename(aside.c_str(), place.value().c_str()) != 0)
+        error = errno;
+    if (error == 0)
+        return {};
+    ::unlink(aside.c_str());
+    return posixError(error, path);
+}
+
+Result<std::string> LinuxFileManager::readFile(const std::string& path) {
+    const auto place = resolved(path);
+    if (!place)
+        return place.error();
+    const auto file = openRegularFile(place.value(), O_RDONLY);
+    if (!file)
+        return file.error();
+    std::string contents;
+    std::array<char, 65536> chunk{};
+    for (;;) {
+        const ssize_t count = ::read(file.value().get(), chunk.data(), chunk.size());
+        if (count > 0)
+            contents.append(chunk.data(), static_cast<std::size_t>(count));
+        else if (count == 0)
+            return contents;
+        else if (errno != EINTR)
+            return posixError(errno, path);
+    }
+}
+
+Result<void> LinuxFileManager::overwriteFile(const std::string& path, std::string_view contents) {
+    const auto place = resolved(path);
+    if (!place)
+        return place.error();
+    const auto file = openRegularFile(place.value(), O_WRONLY);
+    if (!file)
+        return file.error();
+    if (::ftruncate(file.value().get(), 0) != 0)
+        return posixError(errno, path);
+    const int error = writeAll(file.value().get(), contents);
+    return error == 0 ? Result<void>() : posixError(error, path);
+}
+
+Result<std::uint64_t> LinuxFileManager::fileSize(const std::string& path) {
+    const auto place = resolved(path);
+    if (!place)
+        return place.error();
+    struct stat status {};
+    if (::stat(place.value().c_str(), &status) != 0)
+        return posixError(errno, path);
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
+Result<void> LinuxFileManager::truncateFile(const std::string& path) {
+    const auto place = resolved(path);
+    if (!place)
+        return place.error();
+    const auto file = openRegularFile(place.value(), O_WRONLY);
+    if (!file)
+        return file.error();
+    return ::ftruncate(file.value().get(), 0) == 0 ? Result<void>() : posixError(errno, path);
+}
+
+} // namespace lumora::platform::linux_backend
