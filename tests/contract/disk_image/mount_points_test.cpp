@@ -204,11 +204,13 @@ TEST_F(MountPoints, unwritableFolderIsAPlainError) {
 }
 
 TEST_F(MountPoints, readOnlyFoldersAndFilesMountAndDetachForAnOrdinaryUser) {
-    ::chmod((tree_ / "Ovra.app/Contents/MacOS/Ovra").c_str(), 0);
-    ::chmod((tree_ / "Ovra.app/Contents/MacOS").c_str(), 0111);
-    ::chmod((tree_ / "Ovra.app/Contents").c_str(), 0555);
     ::chmod(tree_.c_str(), 0555);
-    const auto image = makeOvraImage("readonly.iso");
+    ImageBytes bytes(makeOvraImage("readonly.iso"));
+    bytes.setMode("Contents", 0040555);
+    bytes.setMode("MacOS", 0040111);
+    bytes.setMode("Ovra", 0100000);
+    bytes.save(folder_ / "readonly.iso");
+    const auto image = folder_ / "readonly.iso";
     ::chmod(folder_.c_str(), 0755);
     ::chmod(volumes_.c_str(), 01777);
 

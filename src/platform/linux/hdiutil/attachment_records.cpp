@@ -17,7 +17,7 @@ namespace {
 
 // Volumes never begin with a dot.
 constexpr const char* kUnfinishedRecord = ".new";
-constexpr std::size_t kMaximumRecordBytes = 16 * 1024;
+constexpr std::size_t kMaximumRecordBytes = 16'384;
 
 // A record is a few lines of blank-separated words: "volume INODE SECONDS NANOSECONDS", once or twice, and "image PATH".
 std::string render(const AttachmentRecord& record) {

@@ -158,7 +158,7 @@ std::string volumeAt(const std::filesystem::path& folder, const std::filesystem:
     std::string text = mountPoint.string();
     text.erase(text.find_last_not_of('/') + 1);
     const std::filesystem::path plain = text;
-    const std::string name = plain.filename().string();
+    std::string name = plain.filename().string();
     if (plain.parent_path() != folder || name.empty() || name.front() == '.') {
         throw DiskImageFailure("\"" + printable(mountPoint.string()) + "\" is not a mount point");
     }

@@ -23,7 +23,7 @@
 namespace lumora::platform::linux_backend {
 namespace {
 
-constexpr std::size_t kReadBytes = 256 * 1024;
+constexpr std::size_t kReadBytes = 262'144;
 
 struct FreeArchive {
     void operator()(archive* reader) const noexcept { archive_read_free(reader); }
