@@ -48,6 +48,13 @@ enter('join-email', %s);
 PRESS = "document.getElementById('join-submit').click();"
 
 
+def colours(window):
+    """How many colours a window shows: one or two before its first drawing."""
+    picture = subprocess.run(["import", "-window", window, "miff:-"], capture_output=True, check=True).stdout
+    counted = subprocess.run(["identify", "-format", "%k", "-"], input=picture, capture_output=True, check=True)
+    return int(counted.stdout)
+
+
 class Demo:
     def __init__(self, auto):
         self.auto = auto
@@ -175,22 +182,22 @@ class Demo:
         return found
 
     def photograph(self, record):
-        """The whole screen, with the agent's window beside the application's."""
+        """The whole screen, with the agent's window beside the application's, once both are drawn."""
         deadline = time.monotonic() + 15
-        while not (windows := application.windows_of(record["pid"])) and time.monotonic() < deadline:
+        while not (agent_windows := application.windows_of(record["pid"])) and time.monotonic() < deadline:
             time.sleep(0.05)
-        for window in windows:
-            subprocess.run(["wmctrl", "-i", "-r", window, "-e", "0,700,420,-1,-1"], check=False)
+        for window in agent_windows:
+            subprocess.run(["wmctrl", "-i", "-r", window, "-e", "0,800,540,-1,-1"], check=False)
             subprocess.run(["wmctrl", "-i", "-a", window], check=False)
-        # Drawn when two pictures in a row are the same.
+        windows = [*self.application.windows(), *agent_windows]
         last = None
         while time.monotonic() < deadline:
             subprocess.run(["import", "-window", "root", self.picture], check=True)
             content = subprocess.run(["convert", self.picture, "rgb:-"], check=True, capture_output=True).stdout
-            if content == last:
+            if content == last and all(colours(window) > 16 for window in windows):
                 break
             last = content
-            time.sleep(0.3)
+            time.sleep(0.2)
         self.say("screenshot", self.short(self.picture))
 
     def run(self):
