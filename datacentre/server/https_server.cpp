@@ -151,8 +151,9 @@ class HttpsServer::Listener final : public httplib::Server {
         };
         for (auto left = kRequestsPerConnection; left > 0 && svr_sock_ != INVALID_SOCKET; --left) {
             bool closed = false;
-            if (!stream.waitForRequest(kKeepAlive) || !process_request(stream, left == 1, closed, setUp) ||
-                closed)
+            if (!stream.waitForRequest(kKeepAlive) || !process_request(stream, left == 1, closed, setUp))
+                break;
+            if (closed || connection.isResetting()) // the library does not notice that it could not write
                 break;
         }
         return true;
