@@ -47,7 +47,7 @@ class NetworkMonitor {
     void setNetworkMonitorDelegate(NetworkMonitorDelegate* delegate) { networkMonitorDelegate_ = delegate; }
 
   private:
-    void applyProbe(const platform::HttpAnswer& answer);
+    void applyProbe(bool websiteReached);
 
     std::unique_ptr<platform::PathMonitor> monitor_; ///< absent before the first start and after a stop
     platform::HttpSessionConfiguration configuration_;
@@ -56,8 +56,14 @@ class NetworkMonitor {
     NetworkMonitorDelegate* networkMonitorDelegate_ = nullptr;
     bool isWebsiteReachable_ = false;
     std::unique_ptr<platform::Timer> reachabilityTimer_;
-    std::uint64_t generation_ =
-        0; ///< grows with every start and stop; late results of an older watch are dropped
+
+    /// Grows with every start and stop: a probe of an older address says nothing about the present one.
+    std::uint64_t probeGeneration_ = 0;
+    /// Grows with every stop only: a path update that was under way when the address was replaced is the only one
+    /// that the running path monitor sends, and the probe's rhythm begins with it.
+    std::uint64_t pathGeneration_ = 0;
+    std::shared_ptr<const bool> alive_ =
+        std::make_shared<const bool>(true); ///< for callbacks that may outlive us
 };
 
 } // namespace lumora

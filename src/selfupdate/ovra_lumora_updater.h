@@ -22,7 +22,7 @@ class OvraLumoraUpdater : public std::enable_shared_from_this<OvraLumoraUpdater>
     void unMountingOvraLumoraDmg();
 
   private:
-    void downloadFinished(const platform::HttpDownload& download);
+    void downloadFinished(const platform::HttpDownload& download, const std::string& folder);
 
     std::optional<std::string> latestLumoraDmgPath_; ///< mount point, as the image tool reported it
 };

@@ -1,0 +1,85 @@
+#include "selfupdate/ovra_lumora_updater.h"
+
+#include "config/session_details.h"
+#include "platform/file_manager.h"
+#include "platform/ports.h"
+#include "selfupdate/staged_bundle.h"
+#include "support/disk_images.h"
+#include "support/exception_guard.h"
+#include "support/log.h"
+#include "support/notification_center.h"
+#include "support/paths.h"
+#include "support/rendering.h"
+#include "support/url.h"
+
+#include <mutex>
+
+namespace lumora {
+
+namespace {
+
+constexpr const char* kGetInstance = "+[OvraLumoraUpdater getInstance]";
+constexpr const char* kCheck = "-[OvraLumoraUpdater checkOvraLumoraUpdate]";
+constexpr const char* kDownload = "-[OvraLumoraUpdater downloadLumoradmg]";
+constexpr const char* kDownloadCompletion = "-[OvraLumoraUpdater downloadLumoradmg]_block_invoke";
+
+constexpr const char* kImageName = "OvraTesselLumora.dmg";
+
+/// Where the check said that the image is; else where every web server has it.
+std::optional<std::string> imageUrl(const SessionDetails& session) {
+    if (const auto url = session.lumoraDownloadUrl())
+        return parseUrl(*url);
+    return parseUrl(fmt::format("https://{}/agent/OvraTesselLumora.dmg", render(session.webServerName())));
+}
+
+} // namespace
+
+std::shared_ptr<OvraLumoraUpdater> OvraLumoraUpdater::getInstance() {
+    static auto* classLock = new std::recursive_mutex;
+    std::shared_ptr<OvraLumoraUpdater> updater;
+    guarded(kGetInstance, [&updater] {
+        std::lock_guard lock(*classLock);
+        updater = std::make_shared<OvraLumoraUpdater>();
+        log("{} : Update Info Object Allocated", kGetInstance);
+    });
+    return updater;
+}
+
+void OvraLumoraUpdater::checkOvraLumoraUpdate() {
+    guarded(kCheck, [this] {
+        if (SessionDetails::getInstance().lumoraUpdateNeeded())
+            downloadLumoradmg();
+        else
+            log("{} Ovra Tessel Lumora has Latest Version.", kCheck);
+    });
+}
+
+void OvraLumoraUpdater::downloadLumoradmg() {
+    guarded(kDownload, [this] {
+        auto& files = *platform::ports().fileManager;
+        const auto folder = stagingFolder();
+        if (!files.fileExists(folder)) // a failure shows when the image cannot be saved
+            static_cast<void>(files.createDirectoryWithIntermediates(folder));
+
+        auto request = imageRequest(imageUrl(SessionDetails::getInstance()));
+        log("{} : Ovra Lumora Dmg Url : {}", kDownload, render(request.url));
+        startImageDownload(std::move(request), [self = shared_from_this(), folder](const auto& download) {
+            guarded(kDownloadCompletion, [&] { self->downloadFinished(download, folder); });
+        });
+    });
+}
+
+void OvraLumoraUpdater::downloadFinished(const platform::HttpDownload& download, const std::string& folder) {
+    if (download.error) {
+        // The blank at the end is part of the line.
+        log("{} : Download failed! Error - {} {} ", kDownloadCompletion, download.error->localizedDescription,
+            render(download.error->failingUrl));
+        log("{} : Download failed! Whole Error - {}", kDownloadCompletion, render(*download.error));
+        NotificationCenter::defaultCenter().post(kRetryDownloadNotification, this);
+        return;
+    }
+    if (saveDownloadedImage(kDownloadCompletion, download, appendPathComponent(folder, kImageName)))
+        mountingOvraLumoraDmg();
+}
+
+} // namespace lumora

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <mutex>
+#include <string>
+
+namespace lumora {
+
+/// The folder in which a newer bundle of this application waits for the exit; ends with a slash.
+[[nodiscard]] std::string stagingFolder();
+
+/// The bundle's name, staged and installed alike.
+inline constexpr const char* kLumoraBundleName = "Ovra Tessel Lumora.app";
+
+/// Held while the staged bundle is replaced and while it is put in place: a second chain may replace it just when the
+/// last window closes, and the swap, which has removed the running bundle by then, must find the staged one whole.
+[[nodiscard]] std::mutex& stagedBundleMutex();
+
+} // namespace lumora
