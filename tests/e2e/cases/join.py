@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 import stat
 import subprocess
 
@@ -100,7 +101,7 @@ class Join(EndToEndCase):
             COPY + ":tools_mac file copied",
             unmount + "0",
         ])
-        self.assertRegex(lines[-1], f"^{unmount.replace('[', '[[]')}[1-9]")
+        self.assertRegex(lines[-1], f"^{re.escape(unmount)}[1-9]")
         self.assertNotIn(TOKEN, "\n".join(lines))
 
     def test_installed_files_are_the_images_own(self):

@@ -98,6 +98,8 @@ class EndToEndCase(unittest.TestCase):
         """Starts the application as its installer configures it, and waits for the join page."""
         if self.application:
             self.application.kill()
+        # The page of a process that has just ended must not be taken for the new one's.
+        waiting.until(lambda: self.data_centre.control("GET", "/drive/pages")["pages"] == 0, "the old page's end")
         if arguments is None:
             arguments = {"DC": "com", "LumoraToken": TOKEN, "pathForLumora": "join"}
         self.log = Log(self.home)
@@ -108,9 +110,7 @@ class EndToEndCase(unittest.TestCase):
         return self.application
 
     def close(self):
-        """Closes the window, and waits until the data centre has noticed: the next page must not be taken for this."""
         self.assertEqual(self.application.close(), 0)
-        waiting.until(lambda: self.data_centre.control("GET", "/drive/pages")["pages"] == 0, "the old page's end")
 
     def restart(self, arguments=None):
         self.close()
