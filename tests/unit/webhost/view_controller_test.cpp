@@ -1,0 +1,199 @@
+#include "webhost/web_host_test.h"
+
+#include <algorithm>
+#include <csignal>
+
+namespace lumora {
+namespace {
+
+class ViewControllerTest : public WebHostTest {
+  protected:
+    fakes::FakeWindow window;
+
+    static Lines handlerLines() {
+        Lines lines;
+        for (const auto& name : NativeMessageHandler::messageNames())
+            lines.push_back("handler " + name);
+        return lines;
+    }
+};
+
+TEST_F(ViewControllerTest, registersTheNamesAndThenLoadsTheJoinPage) {
+    controller->viewDidLoad();
+
+    auto expected = handlerLines();
+    ASSERT_EQ(expected.size(), 18U);
+    expected.emplace_back(kLoad);
+    EXPECT_EQ(webViewHost.journal, expected);
+    EXPECT_EQ(webViewHost.delegate, controller.get());
+    EXPECT_EQ(NativeMessageHandler::shared().nativeMessageHandlerDelegate(), controller.get());
+    EXPECT_EQ(NetworkMonitor::shared().networkMonitorDelegate(), controller.get());
+    EXPECT_TRUE(streams.printed().empty());
+}
+
+TEST_F(ViewControllerTest, watchesTheJoinPagesAddressInTheEnd) {
+    configure("server.example", "join", "t");
+
+    controller->viewDidLoad();
+
+    EXPECT_EQ(probedAddresses(), Lines{"https://server.example/join?lumora_token=t"});
+}
+
+TEST_F(ViewControllerTest, withoutAServerShowsTheMisconfigurationPageAndWatchesNothing) {
+    configure("server.example", "");
+
+    controller->viewDidLoad();
+
+    auto expected = handlerLines();
+    expected.emplace_back(kMisconfigured);
+    EXPECT_EQ(webViewHost.journal, expected);
+    EXPECT_EQ(
+        streams.printed(),
+        Lines{"viewDidLoad() : ################ Critical ################\n webServerName is null or empty "
+              "— Application is not configured correctly."});
+    EXPECT_EQ(NativeMessageHandler::shared().nativeMessageHandlerDelegate(), controller.get());
+    EXPECT_EQ(NetworkMonitor::shared().networkMonitorDelegate(), nullptr);
+    EXPECT_TRUE(probedAddresses().empty());
+}
+
+TEST_F(ViewControllerTest, watchesAlthoughTheAddressDoesNotParse) {
+    configure("server.example", "a path");
+
+    controller->viewDidLoad();
+
+    EXPECT_EQ(webViewHost.journal.back(), kMisconfigured);
+    EXPECT_TRUE(streams.printed().empty());
+    EXPECT_EQ(NetworkMonitor::shared().networkMonitorDelegate(), controller.get());
+    EXPECT_FALSE(paths.made.empty());
+    EXPECT_TRUE(probedAddresses().empty()); // an address that does not parse is never probed
+}
+
+TEST_F(ViewControllerTest, leavesTheTitleAloneWithoutAWindow) {
+    preferences.user.emplace("WindowTitle", "Stored");
+
+    controller->viewDidLoad();
+
+    EXPECT_TRUE(preferences.journal.empty());
+}
+
+TEST_F(ViewControllerTest, givesAWindowThatStandsAlreadyTheStoredTitle) {
+    webViewHost.currentWindow = &window;
+    preferences.user.emplace("WindowTitle", "Stored");
+
+    controller->viewDidLoad();
+
+    EXPECT_EQ(window.current, "Stored");
+    EXPECT_TRUE(preferences.journal.empty());
+}
+
+using ViewControllerDeathTest = ViewControllerTest;
+
+TEST_F(ViewControllerDeathTest, stopsForAWindowWithoutAStoredTitle) {
+    webViewHost.currentWindow = &window;
+
+    EXPECT_EXIT(controller->viewDidLoad(), ::testing::KilledBySignal(SIGABRT), "");
+}
+
+TEST_F(ViewControllerDeathTest, stopsWhenAScriptIsToRunBeforeTheViewStands) {
+    EXPECT_EXIT(controller->executeJavaScript("1;"), ::testing::KilledBySignal(SIGABRT), "");
+}
+
+TEST_F(ViewControllerTest, titlesItsWindowWhenThereIsOne) {
+    controller->updateWindowTitle("Nobody sees this");
+    webViewHost.currentWindow = &window;
+    controller->updateWindowTitle("Acme Support");
+
+    EXPECT_EQ(window.current, "Acme Support");
+    EXPECT_TRUE(preferences.journal.empty());
+}
+
+TEST_F(ViewControllerTest, runsScriptsInThePage) {
+    showView();
+
+    controller->executeJavaScript("window.receiveX(\"1\");");
+
+    EXPECT_EQ(webViewHost.journal, Lines{"script window.receiveX(\"1\");"});
+    EXPECT_TRUE(streams.printed().empty());
+}
+
+TEST_F(ViewControllerTest, printsAScriptsError) {
+    showView();
+    webViewHost.scriptError = platform::Error{"WKErrorDomain", 4, "A JavaScript exception occurred", {}};
+
+    controller->executeJavaScript("x(");
+
+    EXPECT_EQ(streams.printed(), Lines{"executeJavaScript(_:)Error sending message to webView: Error "
+                                       "Domain=WKErrorDomain Code=4 \"A JavaScript exception occurred\""});
+}
+
+TEST_F(ViewControllerTest, handsMessagesToTheBridgeAndAnswersToThePage) {
+    showView();
+    webViewHost.currentWindow = &window;
+
+    controller->didReceiveScriptMessage({"getSystemOs", std::nullopt});
+    controller->didReceiveScriptMessage({"sendLumoraTitleToNative", "Acme Support"});
+
+    EXPECT_EQ(webViewHost.journal, Lines{R"(script window.receiveSystemOs("mac");)"});
+    EXPECT_EQ(window.current, "Acme Support");
+}
+
+TEST_F(ViewControllerTest, leavesItsNamesRegisteredWhenItGoes) {
+    showView();
+
+    controller.reset();
+
+    EXPECT_EQ(webViewHost.journal, Lines{"remove jsToNative"});
+}
+
+TEST_F(ViewControllerTest, isNotCalledByAnyoneAfterItsEnd) {
+    showView();
+
+    controller.reset();
+    NativeMessageHandler::shared().handleMessageFromWebView({"getSystemOs", std::nullopt});
+
+    EXPECT_EQ(NativeMessageHandler::shared().nativeMessageHandlerDelegate(), nullptr);
+    EXPECT_EQ(NetworkMonitor::shared().networkMonitorDelegate(), nullptr);
+}
+
+TEST_F(ViewControllerTest, leavesAnotherOnesPlaceAloneWhenItGoes) {
+    showView();
+    ViewController next;
+    next.viewDidLoad();
+
+    controller.reset();
+
+    EXPECT_EQ(NativeMessageHandler::shared().nativeMessageHandlerDelegate(), &next);
+    EXPECT_EQ(NetworkMonitor::shared().networkMonitorDelegate(), &next);
+}
+
+// --- with the monitor behind it ---
+
+TEST_F(ViewControllerTest, reloadsWhenTheFirstProbeIsGoodUnlessThePageHasSaidThatItRuns) {
+    showView();
+    paths.update(platform::PathStatus::satisfied);
+    loop.runMain();
+    loop.fireTimers();
+    http.finishData(0, 200, "");
+    loop.runMain();
+    EXPECT_EQ(webViewHost.journal, Lines{kLoad});
+
+    webViewHost.journal.clear();
+    controller->didReceiveScriptMessage({"lumoraLoaded", std::nullopt});
+    loop.fireTimers();
+    loop.runMain();
+    EXPECT_TRUE(webViewHost.journal.empty());
+}
+
+TEST_F(ViewControllerTest, showsTheOfflinePageAfterAFailedProbe) {
+    showView();
+    paths.update(platform::PathStatus::unsatisfied);
+    loop.runMain();
+    loop.fireTimers();
+    http.failData(0, failure());
+    loop.runMain();
+
+    EXPECT_EQ(webViewHost.journal, Lines{kOffline});
+}
+
+} // namespace
+} // namespace lumora
