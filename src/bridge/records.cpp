@@ -85,7 +85,7 @@ struct Reader {
 
 struct Writer {
     const char* key;
-    Json& object;
+    OrderedJson& object;
 
     void operator()(const std::optional<std::string>& field) const {
         if (field)
@@ -114,7 +114,7 @@ std::optional<Record> decodeRecord(std::string_view text) {
 
 template <class Record>
 std::optional<std::string> encodeRecord(const Record& record) {
-    Json object = Json::object();
+    OrderedJson object = OrderedJson::object();
     for (const auto& key : CodingKeys<Record>::cases)
         std::visit([&](auto place) { Writer{key.stringValue, object}(record.*place); }, key.place);
     return serializeJson(object);

@@ -37,7 +37,7 @@ void StoredValues::replace(const std::string& key, platform::PropertyListValue v
 }
 
 platform::Result<std::string> StoredValues::serialize() const {
-    Json object = Json::object();
+    OrderedJson object = OrderedJson::object();
     for (const auto& [key, value] : entries_) {
         auto json = toJson(value);
         if (!json || !serializeJson(*json))

@@ -21,24 +21,24 @@ Json parseBounded(std::string_view text, bool& tooDeep) {
     return Json::parse(text.begin(), text.end(), depthGate, /*allow_exceptions=*/false);
 }
 
-std::optional<Json> toJsonValue(const platform::PropertyListValue& value);
+std::optional<OrderedJson> toJsonValue(const platform::PropertyListValue& value);
 
 struct ToJson {
-    std::optional<Json> operator()(const std::string& text) const { return Json(text); }
-    std::optional<Json> operator()(std::int64_t number) const { return Json(number); }
-    std::optional<Json> operator()(bool flag) const { return Json(flag); }
+    std::optional<OrderedJson> operator()(const std::string& text) const { return OrderedJson(text); }
+    std::optional<OrderedJson> operator()(std::int64_t number) const { return OrderedJson(number); }
+    std::optional<OrderedJson> operator()(bool flag) const { return OrderedJson(flag); }
 
-    std::optional<Json> operator()(double number) const {
+    std::optional<OrderedJson> operator()(double number) const {
         if (!std::isfinite(number))
             return std::nullopt;
-        return Json(number);
+        return OrderedJson(number);
     }
 
-    std::optional<Json> operator()(const platform::PropertyListData&) const { return std::nullopt; }
-    std::optional<Json> operator()(const platform::PropertyListDate&) const { return std::nullopt; }
+    std::optional<OrderedJson> operator()(const platform::PropertyListData&) const { return std::nullopt; }
+    std::optional<OrderedJson> operator()(const platform::PropertyListDate&) const { return std::nullopt; }
 
-    std::optional<Json> operator()(const platform::PropertyListArray& array) const {
-        Json list = Json::array();
+    std::optional<OrderedJson> operator()(const platform::PropertyListArray& array) const {
+        OrderedJson list = OrderedJson::array();
         for (const auto& element : array) {
             auto json = toJsonValue(element);
             if (!json)
@@ -48,8 +48,8 @@ struct ToJson {
         return list;
     }
 
-    std::optional<Json> operator()(const platform::PropertyListDictionary& dictionary) const {
-        Json object = Json::object();
+    std::optional<OrderedJson> operator()(const platform::PropertyListDictionary& dictionary) const {
+        OrderedJson object = OrderedJson::object();
         for (const auto& [key, element] : dictionary) {
             auto json = toJsonValue(element);
             if (!json)
@@ -60,7 +60,7 @@ struct ToJson {
     }
 };
 
-std::optional<Json> toJsonValue(const platform::PropertyListValue& value) {
+std::optional<OrderedJson> toJsonValue(const platform::PropertyListValue& value) {
     return std::visit(ToJson{}, value.storage());
 }
 
@@ -119,16 +119,25 @@ bool booleanConversion(const Json& value) {
     return !rest.empty() && kTrueBeginnings.find(rest.front()) != std::string_view::npos;
 }
 
-std::optional<Json> toJson(const std::optional<platform::PropertyListValue>& value) {
-    return value ? toJsonValue(*value) : std::optional<Json>(Json(nullptr));
+std::optional<OrderedJson> toJson(const std::optional<platform::PropertyListValue>& value) {
+    return value ? toJsonValue(*value) : std::optional<OrderedJson>(OrderedJson(nullptr));
 }
 
-std::optional<std::string> serializeJson(const Json& value) {
+namespace {
+
+template <class AnyJson>
+std::optional<std::string> compactText(const AnyJson& value) {
     try {
         return value.dump();
-    } catch (const Json::type_error&) {
+    } catch (const typename AnyJson::type_error&) {
         return std::nullopt; // text that is not UTF-8 has no JSON form
     }
 }
+
+} // namespace
+
+std::optional<std::string> serializeJson(const Json& value) { return compactText(value); }
+
+std::optional<std::string> serializeJson(const OrderedJson& value) { return compactText(value); }
 
 } // namespace lumora

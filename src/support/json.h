@@ -11,8 +11,11 @@
 
 namespace lumora {
 
-/// JSON whose objects keep the order of their members.
-using Json = nlohmann::ordered_json;
+/// What was received. Its objects look members up quickly, however many a hostile text brings.
+using Json = nlohmann::json;
+
+/// What is sent or stored: its objects keep the order in which their few members were put in.
+using OrderedJson = nlohmann::ordered_json;
 
 /// Nesting beyond this is refused, as the platform's own parser refuses it (NSJSONSerialization stops at 512).
 inline constexpr int kMaximumJsonDepth = 512;
@@ -32,9 +35,10 @@ inline constexpr int kMaximumJsonDepth = 512;
 
 /// A stored preference as JSON: null for an absent one; nothing for what JSON cannot carry (data, dates,
 /// non-finite numbers).
-[[nodiscard]] std::optional<Json> toJson(const std::optional<platform::PropertyListValue>& value);
+[[nodiscard]] std::optional<OrderedJson> toJson(const std::optional<platform::PropertyListValue>& value);
 
 /// Compact JSON text; nothing when a text inside is not valid UTF-8.
 [[nodiscard]] std::optional<std::string> serializeJson(const Json& value);
+[[nodiscard]] std::optional<std::string> serializeJson(const OrderedJson& value);
 
 } // namespace lumora

@@ -6,7 +6,10 @@ namespace lumora {
 
 namespace {
 
-std::string compactText(const Json& value) { return serializeJson(value).value_or(kNullPlaceholder); }
+template <class AnyJson>
+std::string compactText(const AnyJson& value) {
+    return serializeJson(value).value_or(kNullPlaceholder);
+}
 
 } // namespace
 

@@ -22,7 +22,7 @@ TEST(Rendering, listsReadAsJson) {
 }
 
 TEST(Rendering, jsonReadsAsCompactText) {
-    EXPECT_EQ(render(parseJson(R"({ "b" : [ 1, true ] , "a" : null })")), R"({"b":[1,true],"a":null})");
+    EXPECT_EQ(render(parseJson(R"({ "b" : [ 1, true ] , "a" : null })")), R"({"a":null,"b":[1,true]})");
     EXPECT_EQ(render(std::optional<Json>(Json("plain"))), "plain");
     EXPECT_EQ(render(std::optional<Json>(Json(nullptr))), "(null)");
     EXPECT_EQ(render(std::optional<Json>{}), "(null)");
