@@ -4,6 +4,7 @@
 
 #include <array>
 #include <csignal>
+#include <iterator>
 
 namespace lumora::platform::linux_backend {
 
@@ -30,8 +31,9 @@ void DesktopApplication::terminate() {
 
 int DesktopApplication::run(char* programName, std::function<void()> launch) {
     launch_ = std::move(launch);
-    for (const int signal : kEndSignals)
-        g_unix_signal_add(signal, &DesktopApplication::endSignal, this);
+    std::array<guint, std::size(kEndSignals)> endSignals{};
+    for (std::size_t i = 0; i < endSignals.size(); ++i)
+        endSignals[i] = g_unix_signal_add(kEndSignals[i], &DesktopApplication::endSignal, this);
     std::signal(SIGPIPE, SIG_IGN); // a peer that hangs up is an error value, not the end
 
     auto* application = G_APPLICATION(application_.get());
@@ -40,7 +42,10 @@ int DesktopApplication::run(char* programName, std::function<void()> launch) {
     g_application_hold(
         application); // the last window's end is not the application's: the delegate decides that
     std::array<char*, 2> arguments = {programName, nullptr};
-    return g_application_run(application, 1, arguments.data());
+    const int status = g_application_run(application, 1, arguments.data());
+    for (const guint source : endSignals)
+        g_source_remove(source);
+    return status;
 }
 
 void DesktopApplication::activate(GApplication*, gpointer self) {

@@ -45,8 +45,10 @@ void answerPageRequestsSilently(WebKitWebView* view) {
     g_signal_connect(view, "run-file-chooser", G_CALLBACK(chooseNoFile), nullptr);
     g_signal_connect(view, "print", G_CALLBACK(printNothing), nullptr);
     g_signal_connect(view, "show-notification", G_CALLBACK(showNoNotification), nullptr);
-    g_signal_connect(webkit_web_view_get_network_session(view), "download-started",
-                     G_CALLBACK(cancelDownload), nullptr);
+    // The session is shared by every view, and a download that is cancelled twice crashes the engine.
+    WebKitNetworkSession* session = webkit_web_view_get_network_session(view);
+    g_signal_handlers_disconnect_by_func(session, reinterpret_cast<gpointer>(cancelDownload), nullptr);
+    g_signal_connect(session, "download-started", G_CALLBACK(cancelDownload), nullptr);
 }
 
 void applySettings(WebKitSettings* settings) {

@@ -1,0 +1,144 @@
+#include "view_test.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace lumora::platform::linux_backend::testing {
+
+class LocalPages : public ViewTest {
+  protected:
+    LocalPages() {
+        CharPointer name(g_strdup_printf("lumora local %d", g_random_int_range(0, 1 << 30)));
+        folder_ = std::filesystem::temp_directory_path() / name.get();
+        std::filesystem::create_directories(folder_);
+        write("Offline.html", "<title>offline</title><script src='sibling.js'></script>");
+        write("sibling.js", "document.documentElement.dataset.sibling = 'loaded'");
+    }
+    ~LocalPages() override { std::filesystem::remove_all(folder_); }
+
+    void write(const std::string& name, const std::string& text) { std::ofstream(folder_ / name) << text; }
+
+    [[nodiscard]] std::string page() const { return (folder_ / "Offline.html").string(); }
+
+    void showLocal() {
+        view.loadFile(page(), folder_.string());
+        ASSERT_TRUE(waitForTitle("offline"));
+        ASSERT_TRUE(runUntil([this] { return webkit_web_view_is_loading(view.widget()) == FALSE; }));
+    }
+
+    std::filesystem::path folder_;
+};
+
+TEST_F(LocalPages, aLocalPageMayLoadItsSiblings) {
+    showLocal();
+    EXPECT_EQ(valueOf("document.documentElement.dataset.sibling"), "loaded");
+}
+
+TEST_F(LocalPages, aLocalPageThatStandsIsNotLoadedAgain) {
+    showLocal();
+    run("window.kept = 'kept'");
+    for (int i = 0; i < 3; ++i)
+        view.loadFile(page(), folder_.string());
+    runFor(500ms);
+    EXPECT_EQ(valueOf("window.kept"), "kept");
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(LocalPages, aLocalPageThatIsOnItsWayIsNotLoadedTwice) {
+    for (int i = 0; i < 3; ++i)
+        view.loadFile(page(), folder_.string());
+    ASSERT_TRUE(waitForTitle("offline"));
+    run("window.kept = 'kept'");
+    runFor(500ms);
+    EXPECT_EQ(valueOf("window.kept"), "kept");
+}
+
+TEST_F(LocalPages, aLocalPageRightAfterALoadTakesItsPlace) {
+    server.page("/page", "<title>page</title>");
+    server.page("/next", "<title>next</title>");
+    show(server.url("/page"));
+    load(server.url("/next"));
+    view.loadFile(page(), folder_.string());
+    ASSERT_TRUE(waitForTitle("offline"));
+    runFor(500ms);
+    EXPECT_EQ(title(), "offline");
+    EXPECT_EQ(server.requests("/next"), 0);
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(LocalPages, aLoadRightBeforeTheLocalPageThatStandsNeverComes) {
+    server.page("/next", "<title>next</title>");
+    showLocal();
+    run("window.kept = 'kept'");
+    load(server.url("/next"));
+    view.loadFile(page(), folder_.string());
+    runFor(500ms);
+    EXPECT_EQ(valueOf("window.kept"), "kept");
+    EXPECT_EQ(server.requests("/next"), 0);
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(LocalPages, aLoadUnderWayIsStoppedForTheLocalPageThatStands) {
+    server.hang("/hang");
+    showLocal();
+    run("window.kept = 'kept'");
+    load(server.url("/hang"), 1s);
+    ASSERT_TRUE(runUntil([this] { return server.requests("/hang") == 1; }));
+    view.loadFile(page(), folder_.string());
+    runFor(1300ms);
+    EXPECT_EQ(valueOf("window.kept"), "kept");
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(LocalPages, theRemotePageComesBackAfterALocalOne) {
+    server.page("/page", "<title>page</title>");
+    showLocal();
+    show(server.url("/page"));
+    showLocal();
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(LocalPages, aFailureAnsweredByAReloadAndTheLocalPageDoesNotGoRound) {
+    const std::string refused = "http://localhost:" + std::to_string(refusingPort()) + "/join";
+    delegate.onFailure = [&] {
+        load(refused);
+        view.loadFile(page(), folder_.string());
+    };
+    load(refused);
+    ASSERT_TRUE(waitForTitle("offline"));
+    runFor(700ms);
+    EXPECT_EQ(delegate.reportedFailures(), 1U);
+
+    delegate.provisionalFailures.clear();
+    load(refused); // as when the connection seems to be back
+    ASSERT_TRUE(runUntil([this] { return delegate.reportedFailures() == 1; }));
+    runFor(700ms);
+    EXPECT_EQ(delegate.reportedFailures(), 1U);
+    EXPECT_EQ(title(), "offline");
+}
+
+TEST_F(LocalPages, aMissingLocalPageIsNotReported) {
+    view.loadFile((folder_ / "Missing.html").string(), folder_.string());
+    runFor(500ms);
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(LocalPages, aLocalPageWhoseProcessDiesIsShownAgain) {
+    showLocal();
+    run("document.title = 'before'");
+    ASSERT_TRUE(waitForTitle("before"));
+    webkit_web_view_terminate_web_process(view.widget());
+    ASSERT_TRUE(waitForTitle("offline"));
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(LocalPages, aLocalPageThatThePolicyRefusesIsNotShown) {
+    showLocal();
+    write("Other.html", "<title>other</title>");
+    delegate.policy = [](const NavigationAction&) { return NavigationPolicy::cancel; };
+    view.loadFile((folder_ / "Other.html").string(), folder_.string());
+    runFor(400ms);
+    EXPECT_EQ(title(), "offline");
+}
+
+} // namespace lumora::platform::linux_backend::testing

@@ -1,0 +1,212 @@
+#include "view_test.h"
+
+namespace lumora::platform::linux_backend::testing {
+
+/// The policy guards reloads and navigations of type "other" of the main frame: only "localhost" is theirs. The server is
+/// also reached as 127.0.0.1, which is foreign.
+class NavigationPolicies : public ViewTest {
+  protected:
+    void SetUp() override {
+        delegate.policy = [](const NavigationAction& action) {
+            const bool guarded = action.type == NavigationType::reload ||
+                                 (action.type == NavigationType::other && action.sourceFrameIsMainFrame);
+            if (action.type == NavigationType::linkActivated &&
+                action.url.value_or("").starts_with("ovrajoin:"))
+                return NavigationPolicy::cancel;
+            return !guarded || action.url.value_or("").find("localhost") != std::string::npos
+                       ? NavigationPolicy::allow
+                       : NavigationPolicy::cancel;
+        };
+        server.page("/page", "<title>page</title>");
+        server.page("/own", "<title>own</title>");
+        server.page("/foreign", "<title>foreign</title>");
+        server.redirect("/away", server.url("/foreign", kForeign));
+        show(server.url("/page"));
+        delegate.asked.clear();
+    }
+
+    static constexpr const char* kForeign = "127.0.0.1";
+
+    [[nodiscard]] std::string foreign() const { return server.url("/foreign", kForeign); }
+
+    void expectThePageStays() {
+        runFor(600ms);
+        EXPECT_EQ(title(), "page");
+        EXPECT_EQ(server.requests("/foreign"), 0);
+        EXPECT_EQ(delegate.reportedFailures(), 0U);
+    }
+
+    void click(const std::string& href, const std::string& target = "") {
+        run("var a = document.createElement('a'); a.href = '" + href + "'; a.target = '" + target +
+            "'; document.body.appendChild(a); a.click()");
+    }
+
+    void frame(const std::string& source) {
+        run("document.body.innerHTML = '<iframe name=\"inner\" src=\"" + source + "\"></iframe>'");
+    }
+
+    [[nodiscard]] bool waitForRequest(const std::string& path, int count = 1) {
+        return runUntil([&] { return server.requests(path) == count; });
+    }
+};
+
+TEST_F(NavigationPolicies, theHostsOwnLoadIsJudgedOnceAsTheMainFrames) {
+    show(server.url("/own"));
+    ASSERT_EQ(delegate.asked.size(), 1U);
+    EXPECT_EQ(delegate.asked.front().type, NavigationType::other);
+    EXPECT_TRUE(delegate.asked.front().sourceFrameIsMainFrame);
+    EXPECT_TRUE(delegate.asked.front().hasTargetFrame);
+    EXPECT_EQ(delegate.asked.front().url, server.url("/own"));
+}
+
+TEST_F(NavigationPolicies, aForeignLoadOfTheHostIsNotEvenAskedFor) {
+    load(foreign());
+    expectThePageStays();
+}
+
+TEST_F(NavigationPolicies, aScriptMayMoveThePageToAnAllowedAddress) {
+    run("location.href = '/own'");
+    EXPECT_TRUE(waitForTitle("own"));
+}
+
+TEST_F(NavigationPolicies, aScriptCannotMoveThePageAway) {
+    run("location.href = '" + foreign() + "'");
+    expectThePageStays();
+}
+
+TEST_F(NavigationPolicies, aFrameCannotMoveThePageAway) {
+    server.page("/frame", "<script>top.location = '" + foreign() + "'</script>");
+    frame(server.url("/frame"));
+    ASSERT_TRUE(waitForRequest("/frame"));
+    expectThePageStays();
+}
+
+TEST_F(NavigationPolicies, aMetaRefreshCannotMoveThePageAway) {
+    run("var m = document.createElement('meta'); m.httpEquiv = 'refresh'; m.content = '0;url=" + foreign() +
+        "'; document.head.appendChild(m)");
+    expectThePageStays();
+}
+
+TEST_F(NavigationPolicies, aRedirectOfTheHostsLoadCannotMoveThePageAway) {
+    load(server.url("/away"));
+    ASSERT_TRUE(waitForRequest("/away"));
+    expectThePageStays();
+}
+
+TEST_F(NavigationPolicies, aRedirectOfAScriptsLoadCannotMoveThePageAway) {
+    run("location.href = '/away'");
+    ASSERT_TRUE(waitForRequest("/away"));
+    expectThePageStays();
+}
+
+TEST_F(NavigationPolicies, framesMayGoAnywhere) {
+    frame(foreign());
+    EXPECT_TRUE(waitForRequest("/foreign"));
+}
+
+TEST_F(NavigationPolicies, framesMayBeRedirectedAnywhere) {
+    frame(server.url("/away"));
+    EXPECT_TRUE(waitForRequest("/foreign"));
+}
+
+TEST_F(NavigationPolicies, aScriptMayMoveAFrameAnywhere) {
+    frame(server.url("/own"));
+    ASSERT_TRUE(waitForRequest("/own"));
+    run("frames[0].location = '" + foreign() + "'");
+    EXPECT_TRUE(waitForRequest("/foreign"));
+}
+
+TEST_F(NavigationPolicies, thePageIsStillGuardedAfterAFrameWentAway) {
+    frame(foreign());
+    ASSERT_TRUE(waitForRequest("/foreign"));
+    run("location.href = '" + foreign() + "?again'");
+    runFor(600ms);
+    EXPECT_EQ(title(), "page");
+    show(server.url("/own"));
+}
+
+TEST_F(NavigationPolicies, linksAndFormsMayGoAnywhere) {
+    click(foreign());
+    ASSERT_TRUE(waitForTitle("foreign"));
+    ASSERT_FALSE(delegate.asked.empty());
+    EXPECT_EQ(delegate.asked.front().type, NavigationType::linkActivated);
+
+    delegate.asked.clear();
+    run("var f = document.createElement('form'); f.method = 'post'; f.action = '" +
+        server.url("/own", kForeign) + "'; document.body.appendChild(f); f.submit()");
+    ASSERT_TRUE(waitForTitle("own"));
+    EXPECT_EQ(delegate.asked.front().type, NavigationType::formSubmitted);
+}
+
+TEST_F(NavigationPolicies, goingBackHasItsOwnType) {
+    click(foreign());
+    ASSERT_TRUE(waitForTitle("foreign"));
+    delegate.asked.clear();
+    run("history.back()");
+    ASSERT_TRUE(waitForTitle("page"));
+    ASSERT_EQ(delegate.asked.size(), 1U);
+    EXPECT_EQ(delegate.asked.front().type, NavigationType::backForward);
+}
+
+TEST_F(NavigationPolicies, aReloadIsAskedAboutAndMayBeRefused) {
+    click(foreign());
+    ASSERT_TRUE(waitForTitle("foreign"));
+    delegate.asked.clear();
+    run("location.reload()");
+    ASSERT_TRUE(runUntil([this] { return !delegate.asked.empty(); }));
+    EXPECT_EQ(delegate.asked.front().type, NavigationType::reload);
+    runFor(400ms);
+    EXPECT_EQ(server.requests("/foreign"), 1);
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(NavigationPolicies, anAllowedReloadHappens) {
+    run("location.reload()");
+    EXPECT_TRUE(waitForRequest("/page", 2));
+}
+
+TEST_F(NavigationPolicies, aCancelledDeepLinkKeepsThePage) {
+    click("ovrajoin://session/1");
+    ASSERT_TRUE(runUntil([this] { return !delegate.asked.empty(); }));
+    EXPECT_EQ(delegate.asked.front().url, "ovrajoin://session/1");
+    expectThePageStays();
+}
+
+TEST_F(NavigationPolicies, aLinkThatAsksForAWindowIsHandedToTheHost) {
+    click("/own", "_blank");
+    ASSERT_TRUE(runUntil([this] { return !delegate.newWindows.empty(); }));
+    EXPECT_FALSE(delegate.newWindows.front().hasTargetFrame);
+    EXPECT_EQ(delegate.newWindows.front().url, server.url("/own"));
+    ASSERT_EQ(delegate.asked.size(), 1U);
+    EXPECT_EQ(delegate.asked.front().type, NavigationType::linkActivated);
+    EXPECT_FALSE(delegate.asked.front().hasTargetFrame);
+}
+
+TEST_F(NavigationPolicies, aCancelledLinkThatAsksForAWindowGetsNone) {
+    click("ovrajoin://session/2", "_blank");
+    ASSERT_TRUE(runUntil([this] { return !delegate.asked.empty(); }));
+    runFor(300ms);
+    EXPECT_TRUE(delegate.newWindows.empty());
+}
+
+TEST_F(NavigationPolicies, aScriptMayAskForAWindowWithoutAClick) {
+    run("window.open('/own')");
+    ASSERT_TRUE(runUntil([this] { return !delegate.newWindows.empty(); }));
+    EXPECT_EQ(delegate.newWindows.front().url, server.url("/own"));
+    EXPECT_FALSE(delegate.newWindows.front().hasTargetFrame);
+}
+
+TEST_F(NavigationPolicies, theHostMayLoadTheRequestOfANewWindowInTheView) {
+    delegate.onNewWindow = [this](const NavigationAction& action) { load(action.url.value_or("")); };
+    click("/own", "_blank");
+    EXPECT_TRUE(waitForTitle("own"));
+}
+
+TEST_F(NavigationPolicies, theRequestOfAForeignNewWindowIsNotLoaded) {
+    delegate.onNewWindow = [this](const NavigationAction& action) { load(action.url.value_or("")); };
+    click(foreign(), "_blank");
+    ASSERT_TRUE(runUntil([this] { return !delegate.newWindows.empty(); }));
+    expectThePageStays();
+}
+
+} // namespace lumora::platform::linux_backend::testing

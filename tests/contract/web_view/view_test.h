@@ -1,0 +1,80 @@
+#pragma once
+
+#include "page_server.h"
+#include "platform/linux/gui/glib_main_loop.h"
+#include "platform/linux/gui/webkit_view.h"
+
+#include <gtest/gtest.h>
+#include <gtk/gtk.h>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lumora::platform::linux_backend::testing {
+
+using namespace std::chrono_literals;
+
+/// Runs the main loop until the condition holds.
+/// @return whether it did before the deadline.
+[[nodiscard]] bool runUntil(const std::function<bool()>& condition, std::chrono::milliseconds deadline = 20s);
+
+/// Runs the main loop for a while: only to see that something does not happen.
+void runFor(std::chrono::milliseconds time);
+
+/// Writes down what the view tells, and answers as the test wants.
+class RecordingDelegate final : public WebViewDelegate {
+  public:
+    std::vector<ScriptMessage> messages;
+    std::vector<NavigationAction> asked;
+    std::vector<NavigationAction> newWindows;
+    std::vector<Error> provisionalFailures, failures, trustFailures;
+    std::vector<std::string> events; ///< the failures' kinds, in order
+    std::function<NavigationPolicy(const NavigationAction&)> policy;
+    std::function<void()> onFailure;
+    std::function<void(const NavigationAction&)> onNewWindow;
+
+    void didReceiveScriptMessage(const ScriptMessage& message) override;
+    NavigationPolicy decidePolicyFor(const NavigationAction& action) override;
+    void didFailProvisionalNavigation(const Error& error) override;
+    void didFailNavigation(const Error& error) override;
+    void createWebViewFor(const NavigationAction& action) override;
+    void didFailServerTrust(const Error& error) override;
+
+    [[nodiscard]] std::size_t reportedFailures() const {
+        return provisionalFailures.size() + failures.size();
+    }
+};
+
+/// A real web view, shown in a window of its own.
+class ViewTest : public ::testing::Test {
+  protected:
+    ViewTest();
+    ~ViewTest() override;
+
+    /// Loads an address without judging how that ends.
+    void load(const std::string& url, std::chrono::seconds timeout = 60s);
+
+    /// Loads a page and waits until it stands.
+    void show(const std::string& url);
+
+    /// The text of a script's value, evaluated in the page.
+    [[nodiscard]] std::string valueOf(const std::string& expression);
+
+    void run(const std::string& script);
+
+    [[nodiscard]] bool waitForTitle(const std::string& title);
+    [[nodiscard]] std::string title() const;
+
+    GlibMainLoop loop;
+    RecordingDelegate delegate;
+    WebKitView view{loop};
+    PageServer server;
+
+  private:
+    GtkWidget* window_;
+};
+
+} // namespace lumora::platform::linux_backend::testing
