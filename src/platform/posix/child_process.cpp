@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <thread>
 
 extern "C" char** environ;
 
@@ -35,6 +36,8 @@ class FileActions {
 #endif
     }
 
+    void enterFolder(const char* path) { keep(posix_spawn_file_actions_addchdir_np(get(), path)); }
+
     [[nodiscard]] posix_spawn_file_actions_t* get() { return &actions_; }
     [[nodiscard]] int error() const { return error_; }
 
@@ -47,7 +50,7 @@ class FileActions {
 
 class Attributes {
   public:
-    explicit Attributes(bool ownSession) {
+    explicit Attributes(bool detached) {
         posix_spawnattr_init(&attributes_);
         sigset_t none;
         sigset_t all;
@@ -56,7 +59,7 @@ class Attributes {
         posix_spawnattr_setsigmask(&attributes_, &none);
         posix_spawnattr_setsigdefault(&attributes_, &all);
         int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
-        if (ownSession)
+        if (detached)
             flags |= POSIX_SPAWN_SETSID;
 #ifdef __APPLE__
         flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
@@ -108,13 +111,15 @@ Result<pid_t> spawn(const ChildProcess& child) {
         actions.openNull(STDOUT_FILENO, O_WRONLY);
     actions.openNull(STDERR_FILENO, O_WRONLY);
     actions.closeFrom(STDERR_FILENO + 1);
+    if (child.detached)
+        actions.enterFolder("/"); // or it would keep the caller's volume busy
     if (actions.error() != 0)
         return posixError(actions.error(), child.executable);
 
     std::vector<std::string> words = child.arguments;
     words.insert(words.begin(), child.executable);
     std::vector<std::string> environment = child.environment;
-    const Attributes attributes(child.ownSession);
+    const Attributes attributes(child.detached);
 
     pid_t identifier = 0;
     const int error = posix_spawn(&identifier, child.executable.c_str(), actions.get(), attributes.get(),
@@ -131,6 +136,12 @@ Result<int> waitForChild(pid_t child) {
             return posixError(errno, "waiting for a child process");
     }
     return WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+void reapInBackground(pid_t child) {
+    std::thread([child] {
+        static_cast<void>(waitForChild(child));
+    }).detach(); // how it ended is nobody's business
 }
 
 } // namespace lumora::platform::posix_backend

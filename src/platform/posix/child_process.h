@@ -23,11 +23,14 @@ struct ChildProcess {
     std::vector<std::string> arguments; ///< without the name of the program itself
     Environment environment;
     int standardOutput = -1; ///< a descriptor of the caller's; -1: the null device
-    bool ownSession = false; ///< detached from the caller's terminal and process group
+    bool detached = false;   ///< in a session of its own, working in the root folder
 };
 
 /// Starts it; the value is the child's process identifier. The caller waits for it.
 Result<pid_t> spawn(const ChildProcess& child);
+
+/// Waits for the child on a thread of its own, so that it leaves no entry in the process table when it ends.
+void reapInBackground(pid_t child);
 
 /// Waits for the end of a child: its exit status, or the number of the signal that ended it.
 Result<int> waitForChild(pid_t child);

@@ -47,6 +47,16 @@ class PropertyListsContract : public testing::Test {
         return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">" + content + "</plist>";
     }
 
+    static PropertyListValue nested(int levels) {
+        PropertyListValue value = true;
+        for (int level = 0; level < levels; ++level) {
+            PropertyListArray around;
+            around.push_back(std::move(value));
+            value = std::move(around);
+        }
+        return value;
+    }
+
     platform::linux_backend::LinuxPropertyLists lists_;
     TemporaryFolder folder_;
 
@@ -209,19 +219,10 @@ TEST_F(PropertyListsContract, deepNestingIsAnErrorInBothDirectionsAndBothForms) 
         disguised += "<array><!--</array>--><?</array>?>";
     EXPECT_FALSE(lists_.parse(document(disguised)));
 
-    PropertyListValue value = true;
-    for (int level = 0; level < 5000; ++level)
-        value = PropertyListArray{value};
-    EXPECT_FALSE(lists_.serializeXml(value));
+    EXPECT_FALSE(lists_.serializeXml(nested(5000)));
 }
 
-TEST_F(PropertyListsContract, ordinaryNestingIsRead) {
-    PropertyListValue value = true;
-    for (int level = 0; level < 200; ++level)
-        value = PropertyListArray{value};
-
-    EXPECT_EQ(value, parsed(xml(value)));
-}
+TEST_F(PropertyListsContract, ordinaryNestingIsRead) { EXPECT_EQ(nested(200), parsed(xml(nested(200)))); }
 
 /// A binary list of one-byte references whose object i is the given bytes.
 std::string binaryOf(const std::vector<std::string>& objects) {

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/posix/child_process.h"
+
+#include <string>
+
+namespace lumora::platform::linux_backend {
+
+/// Starts the desktop's default handler of an address with the given environment and the null device as its streams.
+/// Any thread. False when no handler is known or it cannot be started.
+[[nodiscard]] bool openInDefaultHandler(const std::string& url,
+                                        const posix_backend::Environment& environment);
+
+} // namespace lumora::platform::linux_backend

@@ -1,0 +1,173 @@
+#include "platform/linux/ports/preference_file.h"
+
+#include "platform/linux/ports/file_contents.h"
+#include "platform/linux/ports/file_lock.h"
+#include "platform/linux/ports/temporary_sibling.h"
+#include "platform/posix/unique_fd.h"
+
+#include <fmt/format.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace lumora::platform::linux_backend {
+
+namespace {
+
+using posix_backend::UniqueFd;
+
+constexpr off_t kMaximumSize = 4 << 20; // real preference files have some kilobytes
+constexpr int kMaximumDamagedFiles = 100;
+constexpr std::time_t kClockGranularity = 1; // seconds, generously: file systems' clocks tick in milliseconds
+
+bool isSameTime(const timespec& a, const timespec& b) {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+/// Absent when it cannot be read whole or is no regular file of a sane size.
+std::optional<std::string> readWhole(int descriptor) {
+    struct stat status {};
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kMaximumSize)
+        return std::nullopt;
+    std::string bytes;
+    std::array<char, 16384> chunk{};
+    for (;;) {
+        const ssize_t count = ::read(descriptor, chunk.data(), chunk.size());
+        if (count > 0)
+            bytes.append(chunk.data(), static_cast<std::size_t>(count));
+        else if (count == 0)
+            return bytes;
+        else if (errno != EINTR)
+            return std::nullopt;
+    }
+}
+
+} // namespace
+
+bool PreferenceFile::Stamp::operator==(const Stamp& other) const {
+    return exists == other.exists && device == other.device && inode == other.inode && size == other.size &&
+           isSameTime(modified, other.modified) && isSameTime(changed, other.changed);
+}
+
+PreferenceFile::PreferenceFile(std::string path, mode_t mode, PropertyListSerialization& propertyLists)
+    : path_(std::move(path)), mode_(mode), propertyLists_(propertyLists) {}
+
+std::optional<PropertyListValue> PreferenceFile::value(const std::string& key) {
+    const std::lock_guard lock(mutex_);
+    if (const auto entry = pending_.find(key); entry != pending_.end())
+        return entry->second;
+    const PropertyListDictionary& stored = current();
+    const auto entry = stored.find(key);
+    return entry == stored.end() ? std::nullopt : std::optional(entry->second);
+}
+
+void PreferenceFile::set(const std::string& key, const PropertyListValue& value) {
+    const std::lock_guard lock(mutex_);
+    pending_.insert_or_assign(key, value);
+}
+
+PreferenceFile::Stamp PreferenceFile::stampNow() const {
+    struct stat status {};
+    if (::stat(path_.c_str(), &status) != 0)
+        return {};
+    return {true, status.st_dev, status.st_ino, status.st_size, status.st_mtim, status.st_ctim};
+}
+
+PreferenceFile::Contents PreferenceFile::load() const {
+    // Without waiting: someone may have put a pipe there.
+    const UniqueFd file(::open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    if (!file)
+        return {{}, errno != ENOENT && errno != ENOTDIR};
+    const auto bytes = readWhole(file.get());
+    if (!bytes)
+        return {{}, true};
+    const auto list = propertyLists_.parse(*bytes);
+    const auto* dictionary = list ? list.value().as<PropertyListDictionary>() : nullptr;
+    return dictionary == nullptr ? Contents{{}, true} : Contents{*dictionary, false};
+}
+
+const PropertyListDictionary& PreferenceFile::current() {
+    const Stamp stamp =
+        stampNow(); // before reading: a change meanwhile makes the stamp old, never the contents
+    if (stamp_ && *stamp_ == stamp)
+        return cached_;
+    cached_ = load().dictionary;
+    // Two writes within one tick of the file system's clock can leave equal stamps, so a young file is not trusted.
+    if (stamp.exists && std::time(nullptr) - stamp.changed.tv_sec <= kClockGranularity)
+        stamp_.reset();
+    else
+        stamp_ = stamp;
+    return cached_;
+}
+
+bool PreferenceFile::flush() {
+    const std::lock_guard lock(mutex_);
+    if (pending_.empty())
+        return true;
+    std::error_code failed;
+    const std::filesystem::path path(path_);
+    std::filesystem::create_directories(path.parent_path(), failed);
+    const FileLock processes(path.parent_path() / ("." + path.filename().string() + ".lock"));
+    if (failed || !processes.isHeld())
+        return false;
+
+    Contents contents = load();
+    const bool complete = mergeInto(contents.dictionary);
+    const auto xml = propertyLists_.serializeXml(contents.dictionary);
+    if (!xml || (contents.damaged && !moveDamagedFileAside()) || !write(xml.value()))
+        return false;
+    stamp_.reset();
+    if (complete)
+        pending_.clear();
+    return complete;
+}
+
+// A text that XML cannot carry must not keep the other values from the disk; it lives as long as the process.
+bool PreferenceFile::mergeInto(PropertyListDictionary& dictionary) const {
+    bool complete = true;
+    for (const auto& [key, value] : pending_) {
+        if (propertyLists_.serializeXml(PropertyListDictionary{{key, value}}))
+            dictionary.insert_or_assign(key, value);
+        else
+            complete = false;
+    }
+    return complete;
+}
+
+bool PreferenceFile::moveDamagedFileAside() const {
+    for (int number = 1; number <= kMaximumDamagedFiles; ++number) {
+        const std::string aside = fmt::format("{}.damaged-{}", path_, number);
+        if (::renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE) == 0)
+            return true;
+        if (errno != EEXIST)
+            return false;
+    }
+    return false;
+}
+
+bool PreferenceFile::write(const std::string& bytes) const {
+    const std::string aside = temporarySiblingOf(path_);
+    const UniqueFd file(
+        ::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (!file)
+        return false;
+    if (::fchmod(file.get(), mode_) != 0 || writeAll(file.get(), bytes) != 0 || ::fsync(file.get()) != 0 ||
+        ::rename(aside.c_str(), path_.c_str()) != 0) {
+        ::unlink(aside.c_str());
+        return false;
+    }
+    // The new name is on disk only with its folder.
+    const UniqueFd folder(
+        ::open(std::filesystem::path(path_).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return folder && ::fsync(folder.get()) == 0;
+}
+
+} // namespace lumora::platform::linux_backend
