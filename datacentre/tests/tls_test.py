@@ -22,18 +22,13 @@ class Tls(World):
         self.assertEqual(done.returncode, 0, done.stdout)
         self.assertIn("Verify return code: 0 (ok)", done.stdout)
 
-    def test_gnutls_accepts_it_too(self):
-        # What the web view's network layer uses.
-        program = ("import gi; gi.require_version('Gio', '2.0'); from gi.repository import Gio;"
-                   "import sys; d = Gio.TlsFileDatabase.new(sys.argv[1]); c = Gio.SocketClient.new(); c.set_tls(True);"
-                   "c.connect('event', lambda c, e, n, s: s.set_database(d) if e == Gio.SocketClientEvent.TLS_HANDSHAKING"
-                   " else None); c.connect_to_host('localhost:' + sys.argv[2], 443, None)")
-        if subprocess.run(["python3", "-c", "import gi"], stderr=subprocess.DEVNULL).returncode != 0:
-            self.skipTest("no python3-gi here")
-        words = ["python3", "-c", program, os.path.join(self.data, "authority.pem"), str(self.port)]
-        self.assertEqual(subprocess.run(words).returncode, 0)
-        self.control("PUT", "/tls", {"certificate": "expired"})
-        self.assertNotEqual(subprocess.run(words, stderr=subprocess.DEVNULL).returncode, 0)
+    def test_gnutls_judges_alike(self):
+        # In sanitized builds GLib itself, built without, would be reported.
+        quiet = {**os.environ, "TSAN_OPTIONS": "report_bugs=0", "ASAN_OPTIONS": "detect_leaks=0"}
+        words = [os.environ["GNUTLS_PROBE"], os.path.join(self.data, "authority.pem"), "localhost", str(self.port)]
+        for name, expected in (("good", 0), ("unknown-authority", 1), ("wrong-host", 1), ("expired", 1)):
+            self.control("PUT", "/tls", {"certificate": name})
+            self.assertEqual(subprocess.run(words, env=quiet, stderr=subprocess.DEVNULL).returncode, expected, name)
 
     def test_old_tls_is_offered_only_on_demand(self):
         self.assertEqual(self.curl("/join", *OLD_CLIENT)[0], CURL_TLS)
