@@ -29,6 +29,7 @@ TOKEN = "demo-token"
 SERVER = "com.ovratessel.example"
 AGENT_VERSION = "1.0.0"
 AUTO_SECONDS = 120
+STEP_WIDTH = 31
 
 LOG_LINE = re.compile(r"^(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}) Ovra Tessel Lumora\[[^\]]*\] (.*)$")
 SHARED = re.compile(r"Details Shared for Joining a session - email: (?P<email>.*), sessionid: (?P<key>-?\d+)$")
@@ -69,14 +70,14 @@ class Demo:
         """One row of the table, at the moment that the log names, or now."""
         after = ((moment or datetime.datetime.now()) - self.started).total_seconds()
         self.done.add(step)
-        print(f"  {after:7.2f} s  {step:<28}{where}", flush=True)
+        print(f"  {after:7.2f} s  {step:<{STEP_WIDTH}}{where}", flush=True)
 
     def short(self, path):
-        """A path as the reader can open it, relative to where the command was given when that is shorter."""
-        try:
-            return str(pathlib.Path(path).relative_to(pathlib.Path.cwd()))
-        except ValueError:
-            return str(path)
+        """A path as the reader can open it: ~ is the demo's home folder, others begin where the command was given."""
+        for base, name in ((self.home.path, "~"), (pathlib.Path.cwd(), ".")):
+            if pathlib.Path(path).is_relative_to(base):
+                return str(pathlib.Path(name) / pathlib.Path(path).relative_to(base))
+        return str(path)
 
     def log_moments(self):
         """Time and text of every line that carries a time; a printed line has that of the line before it."""
@@ -134,7 +135,11 @@ class Demo:
         self.data_centre.make_agent_image(AGENT_VERSION)
         self.data_centre.serve()
         self.page = Page(self.data_centre)
-        print(f"\n  {'after':>9}  {'step':<28}where")
+        try:
+            home = self.home.path.relative_to(pathlib.Path.cwd())
+        except ValueError:
+            home = self.home.path
+        print(f"\n  ~ is {home}\n\n  {'after':>9}  {'step':<{STEP_WIDTH}}where", flush=True)
         self.started = datetime.datetime.now()
         self.application = application.Application(
             self.home, {"DC": "com", "LumoraToken": TOKEN, "pathForLumora": "join"},
@@ -190,6 +195,8 @@ class Demo:
             subprocess.run(["wmctrl", "-i", "-r", window, "-e", "0,800,540,-1,-1"], check=False)
             subprocess.run(["wmctrl", "-i", "-a", window], check=False)
         windows = [*self.application.windows(), *agent_windows]
+        # A blinking caret would make every picture another one.
+        self.page.eval("document.activeElement.blur()")
         last = None
         while time.monotonic() < deadline:
             subprocess.run(["import", "-window", "root", self.picture], check=True)

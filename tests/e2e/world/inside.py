@@ -33,14 +33,14 @@ def environment(home, runtime):
     }
 
 
-def prepare(root, display):
+def prepare(root, display, wanted):
     home = root / "home"
     shutil.rmtree(home, ignore_errors=True)
     home.mkdir(mode=0o700)
-    kept = services.displays_of_the_caller() if display == "keep" else {}
+    kept = services.displays_of_the_caller() if display == "keep" else []
     caller_display = {name: os.environ[name] for name in services.DISPLAY_VARIABLES if name in os.environ}
 
-    private_root.make(root, kept_paths=[pathlib.Path.cwd(), *private_root.OURS, *kept])
+    private_root.make(root, kept_paths=[*private_root.OURS, *wanted, *kept])
     network.bring_up()
     runtime = pathlib.Path("/run/lumora")
     runtime.mkdir(mode=0o700)
@@ -68,9 +68,9 @@ def run(command, world):
 
 
 def main():
-    root, display, command = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3:]
+    root, display, keep, command = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3], sys.argv[4:]
     try:
-        world = prepare(root, display)
+        world = prepare(root, display, [pathlib.Path(path) for path in keep.split(os.pathsep) if path])
     except PermissionError as error:
         print(f"private world: the kernel refuses it here: {error}", file=sys.stderr)
         return REFUSED

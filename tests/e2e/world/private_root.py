@@ -138,4 +138,5 @@ def make(root, kept_paths):
     os.chdir("/")
     _check(_libc.umount2(b"/old", MNT_DETACH), "/old")
     os.rmdir("/old")
-    os.chdir(here)
+    if os.path.isdir(here):
+        os.chdir(here)
