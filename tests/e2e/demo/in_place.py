@@ -83,7 +83,8 @@ def prepare(root, display):
     for folder in ("XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"):
         pathlib.Path(world[folder]).mkdir(parents=True)
     if not sandbox_works():
-        print("demo: the web view's own sandbox is refused too; it shows only the demo's page, so it does without")
+        print("demo: the web view's own sandbox is refused too; it shows only the demo's page, so it does without",
+              flush=True)
         world["WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS"] = "1"
     world |= services.start_bus(root, world)
     world |= services.caller_display(caller, RUNTIME) if display == "keep" else services.start_display(root, world)

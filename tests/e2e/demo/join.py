@@ -98,7 +98,7 @@ class Demo:
             ("join details written", "New ovrajoindetails.conf file has been created", self.home.join_details),
             ("image downloaded", downloader + "startDownLoadingOvraMacDmg]_block_invoke : Download finished",
              f"{self.short(self.home.image)} (removed after the install)"),
-            ("image mounted", "dmg mount task termination status : 0", f"{places.VOLUME} (in the private world)"),
+            ("image mounted", "dmg mount task termination status : 0", str(places.VOLUME)),
             ("agent copied", "copyAppFileAndLaunch] : Ovra.app file copied", self.home.agent),
             ("agent launched", "workspaceLaunchApplication:] : LaunchApplication: Ovra.app",
              self.home.agent / "Contents/MacOS/Ovra"),
@@ -165,7 +165,7 @@ class Demo:
 
     Then watch: the steps appear here as they happen, and at the end the agent's own window opens and shows what it
     was given. Close the Lumora window when you have seen enough.
-""")
+""", flush=True)
 
     def expected_details(self, key, email):
         return (f"OVRA_VARLO_IND\n&key={key}&webServerName={SERVER}&lumora_token={TOKEN}&c_plugin=true"
