@@ -68,6 +68,32 @@ TEST_F(DamagedImages, blankFolderIsNoticed) {
     }
 }
 
+TEST_F(DamagedImages, blankPartOfAFolderIsNoticed) {
+    for (int index = 0; index < 60; ++index) {
+        writeFile(tree_ / ("entry " + std::to_string(index)), "x");
+    }
+    ImageBytes image(makeOvraImage());
+    const std::size_t second = image.folderSectors().front() + 1;
+    ASSERT_NE(image.bytes()[second * kSector], '\0');
+    image.bytes().replace(second * kSector, kSector, kSector, '\0');
+    image.save(folder_ / "blank.iso");
+
+    expectRefused(folder_ / "blank.iso", "folder records are damaged");
+}
+
+TEST_F(DamagedImages, folderTooLargeForTheReadersMemoryIsRefused) {
+    // A sparse image whose root claims 3 GiB: every size in it agrees, only nobody should try to hold that.
+    constexpr std::uint32_t kFolderBytes = 3U << 30;
+    ImageBytes image(makeOvraImage());
+    const auto sectors = static_cast<std::uint32_t>(image.sectors() + kFolderBytes / kSector);
+    image.setVolumeSectors(sectors);
+    image.setRootSize(kFolderBytes);
+    image.save(folder_ / "sparse.iso");
+    std::filesystem::resize_file(folder_ / "sparse.iso", std::uintmax_t{sectors} * kSector);
+
+    expectRefused(folder_ / "sparse.iso", "too many entries");
+}
+
 TEST_F(DamagedImages, hiddenRecordsAreNoticed) {
     fillTree();
     ImageBytes image(makeOvraImage());

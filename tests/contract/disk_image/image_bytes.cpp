@@ -31,6 +31,8 @@ void ImageBytes::setVolumeName(std::string_view name) {
 
 void ImageBytes::setVolumeSectors(std::uint32_t sectors) { putBothEndian(kDescriptor + 80, sectors); }
 
+void ImageBytes::setRootSize(std::uint32_t bytes) { putBothEndian(kDescriptor + 156 + 10, bytes); }
+
 std::vector<std::size_t> ImageBytes::folderSectors() const {
     std::vector<std::size_t> found;
     for (std::size_t sector = 18; sector < sectors(); ++sector) {

@@ -23,6 +23,8 @@ class ImageBytes {
     /// The name field of the primary volume descriptor, padded with blanks.
     void setVolumeName(std::string_view name);
     void setVolumeSectors(std::uint32_t sectors);
+    /// The root folder's length as the volume descriptor gives it.
+    void setRootSize(std::uint32_t bytes);
 
     /// Sectors in which a folder begins.
     [[nodiscard]] std::vector<std::size_t> folderSectors() const;

@@ -10,6 +10,7 @@ namespace lumora::platform::linux_backend {
 namespace {
 
 constexpr std::size_t kShortestRecord = 34;
+constexpr std::uint32_t kLargestFolder = 64U << 20; // the image reader keeps a folder's records in memory
 constexpr std::size_t kFlagsAt = 25;
 constexpr std::uint8_t kFolderFlag = 0x02;
 constexpr std::size_t kNameLengthAt = 32;
@@ -45,6 +46,9 @@ class DirectoryWalk {
             !seen_.insert(folder.sector).second) {
             damaged();
         }
+        if (folder.bytes > kLargestFolder) {
+            throw DiskImageFailure("the image has too many entries");
+        }
         // Folders of a sound image never overlap, so together they cannot be longer than the volume.
         if (sectors > sectorsLeft_) {
             damaged();
@@ -63,6 +67,10 @@ class DirectoryWalk {
     }
 
     void checkSector(IsoBytes sector, const IsoExtent& folder) {
+        // A folder takes no more sectors than it has records for; a blank one has lost them.
+        if (sector[0] == 0) {
+            damaged();
+        }
         while (!sector.empty() && sector[0] != 0) {
             const std::size_t length = sector[0];
             if (length < kShortestRecord || length > sector.size() ||
