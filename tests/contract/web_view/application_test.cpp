@@ -21,7 +21,7 @@ class TheApplication : public ::testing::Test {
         return application.run(name, [this, steps] {
             installMenuBar(application.handle(), {[this] { application.terminate(); }, [] {}});
             view = host.makeWebView();
-            host.openWindow(application.handle(), [this] {
+            host.openWindow(application.handle(), "/nowhere", [this] {
                 ++lastWindowClosed;
                 windowAtTheEnd = host.window();
                 application.terminate();
@@ -42,7 +42,7 @@ TEST_F(TheApplication, thereIsNoWindowBeforeTheViewStandsInOne) {
     application.run(name, [this] {
         view = host.makeWebView();
         EXPECT_EQ(host.window(), nullptr);
-        host.openWindow(application.handle(), [] {});
+        host.openWindow(application.handle(), "/nowhere", [] {});
         EXPECT_NE(host.window(), nullptr);
         application.terminate();
     });
@@ -70,7 +70,7 @@ TEST_F(TheApplication, closingTheLastWindowIsToldOnceAfterItHasGone) {
 TEST_F(TheApplication, theViewOutlivesItsWindow) {
     application.run(name, [this] {
         view = host.makeWebView();
-        host.openWindow(application.handle(), [this] {
+        host.openWindow(application.handle(), "/nowhere", [this] {
             view->load({"http://localhost:1/", HttpCachePolicy::useProtocolCachePolicy, 60s});
             application.terminate();
         });

@@ -128,6 +128,7 @@ TEST_F(NavigationPolicies, thePageIsStillGuardedAfterAFrameWentAway) {
 TEST_F(NavigationPolicies, linksAndFormsMayGoAnywhere) {
     click(foreign());
     ASSERT_TRUE(waitForTitle("foreign"));
+    ASSERT_TRUE(runUntil([this] { return webkit_web_view_is_loading(view.widget()) == FALSE; }));
     ASSERT_FALSE(delegate.asked.empty());
     EXPECT_EQ(delegate.asked.front().type, NavigationType::linkActivated);
 

@@ -12,6 +12,8 @@ constexpr int kHeight = 700;
 constexpr int kSmallestWidth = 360;
 constexpr int kSmallestHeight = 320;
 
+constexpr const char* kIconName = "OvraTesselLumora";
+
 constexpr gboolean kGoOnClosing = FALSE;
 
 } // namespace
@@ -38,6 +40,12 @@ std::string MainWindow::title() { return textOf(gtk_window_get_title(window_.get
 void MainWindow::setTitle(const std::string& title) { gtk_window_set_title(window_.get(), title.c_str()); }
 
 void MainWindow::present() { gtk_window_present(window_.get()); }
+
+void setDefaultIcon(const std::string& resourceFolder) {
+    gtk_icon_theme_add_search_path(gtk_icon_theme_get_for_display(gdk_display_get_default()),
+                                   resourceFolder.c_str());
+    gtk_window_set_default_icon_name(kIconName);
+}
 
 gboolean MainWindow::closeRequested(GtkWindow*, gpointer data) {
     auto* self = static_cast<MainWindow*>(data);

@@ -35,4 +35,7 @@ class MainWindow final : public Window {
     bool open_ = true;
 };
 
+/// Makes the application's icon, which lies in the resource folder, that of every window to come.
+void setDefaultIcon(const std::string& resourceFolder);
+
 } // namespace lumora::platform::linux_backend

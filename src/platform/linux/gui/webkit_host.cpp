@@ -13,7 +13,9 @@ std::unique_ptr<WebView> WebKitHost::makeWebView() {
 
 Window* WebKitHost::window() { return window_ != nullptr && window_->isOpen() ? window_.get() : nullptr; }
 
-void WebKitHost::openWindow(GtkApplication* application, std::function<void()> lastWindowClosed) {
+void WebKitHost::openWindow(GtkApplication* application, const std::string& resourceFolder,
+                            std::function<void()> lastWindowClosed) {
+    setDefaultIcon(resourceFolder);
     // Asked afterwards: what follows the last window's closing may take long, and the window must be gone by then.
     window_ = std::make_unique<MainWindow>(application, view_.get(),
                                            [this, lastWindowClosed] { loop_.asyncOnMain(lastWindowClosed); });

@@ -21,8 +21,9 @@ class WebKitHost final : public WebViewHost {
     [[nodiscard]] Window* window() override;
 
     /// Builds and shows the window around the view. `lastWindowClosed` runs on the main thread after the window has
-    /// vanished from the screen.
-    void openWindow(GtkApplication* application, std::function<void()> lastWindowClosed);
+    /// vanished from the screen. The resource folder holds the window's icon.
+    void openWindow(GtkApplication* application, const std::string& resourceFolder,
+                    std::function<void()> lastWindowClosed);
 
   private:
     GlibMainLoop& loop_;

@@ -1,0 +1,53 @@
+#include "platform/linux/gui/linux_backend.h"
+
+namespace lumora::platform::linux_backend {
+
+namespace {
+
+/// The system's own disk-image tool does not exist here: the bundle brings its equivalent.
+constexpr const char* kDiskImageTool = "/usr/bin/hdiutil";
+
+std::string toolBeside(const std::string& executable, const std::string& name) {
+    return executable.substr(0, executable.rfind('/') + 1) + name;
+}
+
+} // namespace
+
+LinuxBackend::LinuxBackend(const std::vector<std::string>& launchArguments,
+                           posix_backend::Environment childEnvironment)
+    : bundles_(LinuxBundles::runningExecutable(), home_, propertyLists_), fileManager_(home_),
+      preferences_(launchArguments, PreferenceFolders::forHome(home_.path()), propertyLists_),
+      workspace_(bundles_, home_, childEnvironment),
+      tasks_(childEnvironment, {{kDiskImageTool, toolBeside(LinuxBundles::runningExecutable(), "hdiutil")}}),
+      application_(mainLoop_), webViewHost_(mainLoop_) {}
+
+Ports LinuxBackend::ports() {
+    return Ports{
+        .appleScripts = &appleScripts_,
+        .application = &application_,
+        .bundles = &bundles_,
+        .distributedNotifications = &distributedNotifications_,
+        .fileManager = &fileManager_,
+        .httpSessions = &httpSessions_,
+        .mainLoop = &mainLoop_,
+        .pathMonitors = &pathMonitors_,
+        .preferences = &preferences_,
+        .processInfo = &processInfo_,
+        .propertyLists = &propertyLists_,
+        .standardStreams = &standardStreams_,
+        .systemVersions = &systemVersions_,
+        .tasks = &tasks_,
+        .webViewHost = &webViewHost_,
+        .workspace = &workspace_,
+    };
+}
+
+std::string LinuxBackend::resourceFolder() { return bundles_.mainBundlePath() + "/Contents/Resources"; }
+
+void LinuxBackend::openLogFolder() {
+    const std::string folder = fileManager_.libraryDirectory() + "/Logs/OvraTessel/OvraLumora";
+    if (const CharPointer uri{g_filename_to_uri(folder.c_str(), nullptr, nullptr)})
+        workspace_.openUrl(uri.get());
+}
+
+} // namespace lumora::platform::linux_backend

@@ -1,0 +1,54 @@
+#include "platform/linux/gui/linux_backend.h"
+#include "platform/linux/gui/main_menu.h"
+#include "platform/linux/gui/rendering.h"
+#include "shell/app_delegate.h"
+#include "webhost/view_controller.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+using namespace lumora;
+using platform::linux_backend::LinuxBackend;
+
+/// Everything that lives as long as the process. The load of the page begins before its window is built.
+struct RunningApplication {
+    AppDelegate delegate;
+    ViewController viewController;
+
+    explicit RunningApplication(LinuxBackend& backend) {
+        auto& application = backend.application();
+        installMenuBar(application.handle(), {[&application] { application.terminate(); },
+                                              [&backend] { backend.openLogFolder(); }});
+        delegate.awakeFromNib();
+        delegate.applicationWillFinishLaunching();
+        viewController.viewDidLoad();
+        backend.webViewHost().openWindow(application.handle(), backend.resourceFolder(),
+                                         [this, &application] {
+                                             if (delegate.applicationShouldTerminateAfterLastWindowClosed())
+                                                 application.terminate();
+                                         });
+        delegate.applicationDidFinishLaunching();
+    }
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    auto childEnvironment = platform::posix_backend::currentEnvironment();
+    platform::linux_backend::preferSoftwareRendering();
+
+    // Never destroyed: work on other threads may still use them when the process ends.
+    auto& backend = *new LinuxBackend({argv + 1, argv + argc}, std::move(childEnvironment));
+    RunningApplication* running = nullptr;
+    platform::ports() = backend.ports();
+
+    const int status = backend.application().run(argv[0], [&] { running = new RunningApplication(backend); });
+    if (running != nullptr)
+        running->delegate.applicationWillTerminate();
+    std::fflush(nullptr);
+    _exit(status); // no static destructor may race what still runs
+}
