@@ -53,15 +53,14 @@ void NativeMessageHandler::sendJoinDetailsToNative(const std::string& body) {
     if (!details) {
         // The doubled name is how this line is known and searched for.
         print("handleMessageFromWebView(message:) : handleMessageFromWebView(message:) : Error Unable to "
-              "decode the "
-              "join details");
+              "decode the join details");
         return;
     }
     // Before the check: the page finds a refused key again and shows it.
     standard_defaults::store({{"activeSessionKey", details->sessionKey}});
     const auto key = std::to_string(details->sessionKey);
-    print("handleMessageFromWebView(message:) : Details Shared for Joining a session - email: {}, sessionid: "
-          "{}",
+    print("handleMessageFromWebView(message:) : Details Shared for Joining a session - email: {}, "
+          "sessionid: {}",
           details->email, key);
     if (!isValidSessionKey(key)) {
         print("handleMessageFromWebView(message:) : Invalid Session Key from Join Page");

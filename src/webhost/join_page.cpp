@@ -5,6 +5,7 @@
 #include "support/log.h"
 #include "support/url.h"
 #include "webhost/join_url.h"
+#include "webhost/local_pages.h"
 #include "webhost/view_controller.h"
 
 #include <filesystem>
@@ -28,9 +29,9 @@ void ViewController::loadJoinPageURl() {
     webView().load(joinRequest(*url));
 }
 
-void ViewController::loadMisconfigurationPage() { showResourcePage("MisconfigurationPage"); }
+void ViewController::loadMisconfigurationPage() { showResourcePage(kMisconfigurationPage); }
 
-void ViewController::loadStaticNoInternetPage() { showResourcePage("NoInternetPage"); }
+void ViewController::loadStaticNoInternetPage() { showResourcePage(kNoInternetPage); }
 
 void ViewController::showResourcePage(const std::string& name) {
     const auto path = platform::ports().bundles->pathForResource(name, "html");

@@ -3,6 +3,7 @@
 #include "support/rendering.h"
 #include "support/url.h"
 #include "webhost/join_url.h"
+#include "webhost/local_pages.h"
 #include "webhost/view_controller.h"
 
 #include <utility>
@@ -11,8 +12,8 @@ namespace lumora {
 
 namespace {
 
-bool isLocalPage(const platform::Error& error) {
-    return error.failingUrl && error.failingUrl->starts_with("file:");
+bool isOfLocalPage(const platform::Error& error) {
+    return error.failingUrl && error.failingUrl->starts_with("file:") && namesLocalPage(*error.failingUrl);
 }
 
 } // namespace
@@ -31,18 +32,17 @@ void ViewController::didFailServerTrust(const platform::Error& error) {
 
 void ViewController::handleWebViewError(const platform::Error& error) {
     // A local page that failed would fail again at once: it is left alone, and nothing is reloaded over it.
-    const bool showsPages = !isLocalPage(error);
+    const bool showsPages = !isOfLocalPage(error);
     if (!isWebServerConfigured()) {
         print("handleWebViewError(_:) : webServerName is null or empty — showing misconfiguration page "
-              "instead of "
-              "retrying.");
+              "instead of retrying.");
         if (showsPages)
             loadMisconfigurationPage();
         return;
     }
     const std::string url = joinUrl();
-    if (SessionDetails::getInstance()
-            .lumoraToken()) { // without a token the monitor alone brings the page back
+    const bool hasToken = SessionDetails::getInstance().lumoraToken().has_value(); // an empty one counts
+    if (hasToken) { // without one the monitor alone brings the page back
         if (!parseUrl(url)) {
             print("handleWebViewError(_:) : Invalid URL Given For Running Network Monitor: {}", url);
             if (showsPages)

@@ -1,9 +1,9 @@
 #include "webhost/navigation_policy.h"
 
 #include "config/session_details.h"
+#include "webhost/local_pages.h"
 #include "webhost/view_controller.h"
 
-#include <algorithm>
 #include <string_view>
 
 namespace lumora {
@@ -13,9 +13,6 @@ namespace {
 using platform::NavigationType;
 
 constexpr std::string_view kDeepLinkScheme = "ovrajoin";
-constexpr std::string_view kLocalPages[] = {"NoInternetPage.html", "MisconfigurationPage.html"};
-
-bool contains(const std::string& text, std::string_view part) { return text.find(part) != std::string::npos; }
 
 bool isGuarded(const platform::NavigationAction& action) {
     return action.type == NavigationType::reload ||
@@ -32,13 +29,9 @@ std::string_view schemeOf(std::string_view url) {
 NavigationVerdict judgeGuarded(const std::optional<std::string>& url,
                                const std::optional<std::string>& webServerName) {
     // The server's name anywhere in the address will do: customers' portals hand it on in paths and queries.
-    if (webServerName && url && contains(*url, *webServerName))
+    if (webServerName && url && url->find(*webServerName) != std::string::npos)
         return NavigationVerdict::allow;
-    if (!url)
-        return NavigationVerdict::cancel;
-    const bool isLocalPage =
-        std::ranges::any_of(kLocalPages, [&](std::string_view name) { return contains(*url, name); });
-    return isLocalPage ? NavigationVerdict::allow : NavigationVerdict::cancel;
+    return url && namesLocalPage(*url) ? NavigationVerdict::allow : NavigationVerdict::cancel;
 }
 
 } // namespace

@@ -209,6 +209,13 @@ TEST_F(LoadErrors, ofALocalPageNeitherReloadNorShowIt) {
     EXPECT_EQ(probedAddresses(), Lines{kTokenUrl}); // the monitor brings the join page back
 }
 
+TEST_F(LoadErrors, ofAnotherFileAreLikeAnyOther) {
+    controller->handleWebViewError(failure("file:///tmp/missing.html"));
+    controller->handleWebViewError(failure("https://other.example/NoInternetPage.html"));
+
+    EXPECT_EQ(webViewHost.journal, (Lines{kOffline, kOffline}));
+}
+
 TEST_F(LoadErrors, ofTheMisconfigurationPageDoNotShowItAgain) {
     configure(std::nullopt, std::nullopt);
     controller->handleWebViewError(failure("file:///App/Resources/MisconfigurationPage.html"));

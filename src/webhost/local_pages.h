@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+namespace lumora {
+
+/// The bundle's own pages, resources of type "html".
+inline constexpr const char* kNoInternetPage = "NoInternetPage";
+inline constexpr const char* kMisconfigurationPage = "MisconfigurationPage";
+
+/// Whether an address contains the file name of a local page, wherever that page may lie.
+[[nodiscard]] bool namesLocalPage(std::string_view url);
+
+} // namespace lumora
