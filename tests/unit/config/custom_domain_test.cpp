@@ -56,7 +56,7 @@ TEST_F(CustomDomain, takesTheServersPlace) {
     EXPECT_THAT(streams.logged(),
                 ElementsAre(kFetching, line(std::string("Requesting URL : ") + kUrl),
                             line(std::string("Request Url URL : ") + kUrl), line("Status code : 200"),
-                            line(R"(Response : {"service_domain":"help.customer.example","other":1})")));
+                            line(R"(Response : {"other":1,"service_domain":"help.customer.example"})")));
 }
 
 TEST_F(CustomDomain, endsTheUrlLineOnce) {
