@@ -43,7 +43,7 @@ void applyServiceDomain(const std::optional<Json>& representation, SessionDetail
 void fetchCustomDomain(SessionDetails& session) {
     log("{} : ********************** Fetching Custom Domain for session", kGetCustomDomain);
     platform::HttpRequest
-        request; // the default time-out: launch waits for a slow server rather than miss its answer
+        request; // default time-out: launch waits for a slow server rather than miss its answer
     request.url = serviceDomainUrl(session);
     log("{} : Requesting URL : {}", kGetCustomDomain, render(request.url));
 

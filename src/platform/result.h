@@ -12,7 +12,8 @@ struct Error {
     std::string domain;               ///< "NSURLErrorDomain", "NSPOSIXErrorDomain", "NSCocoaErrorDomain", ...
     int code = 0;                     ///< the domain's own number: an errno, or the URL loading system's code
     std::string localizedDescription; ///< one sentence for a person
-    std::optional<std::string> failingUrl; ///< the address of the request that failed, for HTTP errors only
+    std::optional<std::string>
+        failingUrl; ///< the address that failed to load: HTTP requests and page loads, file: included
 };
 
 /// Either a value or the error that took its place.
