@@ -17,8 +17,8 @@ void setDistinctTimes(const std::filesystem::path& tree) {
     }
     time_t seconds = 1'500'000'000;
     for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-        const timespec times[2] = {{seconds, 0}, {seconds, 0}};
-        ASSERT_EQ(::utimensat(AT_FDCWD, entry->c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
+        const timespec stamp[2] = {{seconds, 0}, {seconds, 0}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, entry->c_str(), stamp, AT_SYMLINK_NOFOLLOW), 0);
         seconds += 86'413;
     }
 }
