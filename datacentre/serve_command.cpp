@@ -38,7 +38,9 @@ class EndSignals {
     sigset_t set_{};
 };
 
-std::string withoutLeadingSlash(std::string path) { return path.starts_with('/') ? path.substr(1) : path; }
+std::string withoutLeadingSlash(const std::string& path) {
+    return path.starts_with('/') ? path.substr(1) : path;
+}
 
 } // namespace
 

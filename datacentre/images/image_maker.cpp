@@ -34,6 +34,7 @@ std::string readText(const fs::path& file) {
 // Runs a program with both output streams going to a file; answers its exit status, 128 and more for a signal.
 int run(const std::vector<std::string>& words, const fs::path& output) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (const auto& word : words)
         arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);

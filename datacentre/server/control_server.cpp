@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <stdexcept>
+#include <utility>
 
 namespace datacentre {
 
@@ -63,7 +64,7 @@ class ControlServer::Routes final : public httplib::Server {
         set_exception_handler(
             [](const httplib::Request&, httplib::Response& response, std::exception_ptr problem) {
                 try {
-                    std::rethrow_exception(problem);
+                    std::rethrow_exception(std::move(problem));
                 } catch (const std::invalid_argument& error) {
                     reply(response, {{"error", error.what()}}, 400);
                 } catch (const std::exception& error) {
