@@ -149,9 +149,16 @@ std::size_t HttpTransfer::receiveBody(char* bytes, std::size_t size, std::size_t
     return transfer.keep({bytes, size * count}) ? size * count : 0;
 }
 
-std::size_t HttpTransfer::receiveHeader(char* /*bytes*/, std::size_t size, std::size_t count, void* self) {
-    static_cast<HttpTransfer*>(self)->bytesReceived_ += size * count;
-    return size * count;
+// Called with one line at a time: the status line, each header and the empty line at their end.
+std::size_t HttpTransfer::receiveHeader(char* bytes, std::size_t size, std::size_t count, void* self) {
+    auto& transfer = *static_cast<HttpTransfer*>(self);
+    const std::string_view line(bytes, size * count);
+    transfer.bytesReceived_ += line.size();
+    if (line.starts_with("HTTP/"))
+        transfer.isHeadComplete_ = false;
+    else if (line == "\r\n" || line == "\n")
+        transfer.isHeadComplete_ = true;
+    return line.size();
 }
 
 // Called from within libcurl, through which no exception may pass.
@@ -219,6 +226,9 @@ HttpOutcome HttpTransfer::finish(CURLcode result, bool hasNetworkPath) {
         fault.hasNetworkPath = hasNetworkPath;
         return fail(urlErrorFor(fault));
     }
+    // A head that the connection's end cuts short passes for one without a body.
+    if (!isHeadComplete_)
+        return fail(UrlError::networkConnectionLost);
     HttpOutcome outcome;
     outcome.response = response();
     if (file_)

@@ -87,6 +87,7 @@ class HttpTransfer {
     std::unique_ptr<curl_slist, FreeList> headers_;
     std::unique_ptr<CURL, FreeHandle> handle_; ///< after the headers: libcurl uses them to its end
 
+    bool isHeadComplete_ = false;
     std::string body_;
     std::optional<TemporaryFile> file_;
     std::optional<UrlError> storingFault_;

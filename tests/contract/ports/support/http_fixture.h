@@ -1,0 +1,80 @@
+#pragma once
+
+#include "platform/linux/ports/linux_http_sessions.h"
+#include "support/temporary_folder.h"
+#include "support/test_server.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <optional>
+
+namespace lumora::contract {
+
+/// Sessions on the real backend, and tasks that are waited for.
+class HttpFixture : public testing::Test {
+  protected:
+    static platform::HttpRequest get(const std::string& url) {
+        platform::HttpRequest request;
+        request.url = url;
+        return request;
+    }
+
+    platform::HttpAnswer data(const platform::HttpRequest& request,
+                              const platform::HttpSessionConfiguration& configuration = {}) {
+        const auto answer = std::make_shared<std::promise<platform::HttpAnswer>>();
+        sessions_->makeSession(configuration)->startDataTask(request, [answer](platform::HttpAnswer given) {
+            answer->set_value(std::move(given));
+        });
+        return answer->get_future().get();
+    }
+
+    /// What a download gave: the file's contents, mode and place, as its completion saw them.
+    struct Downloaded {
+        std::optional<std::string> contents;
+        std::filesystem::perms mode{};
+        std::string path;
+        std::optional<platform::HttpResponse> response;
+        std::optional<platform::Error> error;
+    };
+
+    Downloaded download(const platform::HttpRequest& request,
+                        const platform::HttpSessionConfiguration& configuration = {}) {
+        const auto result = std::make_shared<std::promise<Downloaded>>();
+        sessions_->makeSession(configuration)
+            ->startDownloadTask(request, [result](platform::HttpDownload given) {
+                Downloaded seen;
+                if (given.temporaryFile) {
+                    seen.path = *given.temporaryFile;
+                    seen.contents = contentsOf(seen.path);
+                    seen.mode = std::filesystem::status(seen.path).permissions();
+                }
+                seen.response = given.response;
+                seen.error = given.error;
+                result->set_value(std::move(seen));
+            });
+        return result->get_future().get();
+    }
+
+    /// The error's code, 0 for none.
+    template <class Answer>
+    static int codeOf(const Answer& answer) {
+        return answer.error ? answer.error->code : 0;
+    }
+
+    /// New sessions with other settings.
+    void use(
+        platform::linux_backend::HttpTransferSettings settings,
+        std::function<bool()> hasNetworkPath = [] { return true; }) {
+        sessions_ = std::make_unique<platform::linux_backend::LinuxHttpSessions>(std::move(settings),
+                                                                                 std::move(hasNetworkPath));
+    }
+
+    TemporaryFolder folder_;
+    std::unique_ptr<platform::linux_backend::LinuxHttpSessions> sessions_ =
+        std::make_unique<platform::linux_backend::LinuxHttpSessions>(
+            platform::linux_backend::HttpTransferSettings{}, [] { return true; });
+};
+
+} // namespace lumora::contract
