@@ -39,8 +39,9 @@ std::shared_ptr<OvraLumoraUpdater> OvraLumoraUpdater::getInstance() {
     std::shared_ptr<OvraLumoraUpdater> updater;
     guarded(kGetInstance, [&updater] {
         std::lock_guard lock(*classLock);
-        updater = std::make_shared<OvraLumoraUpdater>();
+        auto made = std::make_shared<OvraLumoraUpdater>();
         log("{} : Update Info Object Allocated", kGetInstance);
+        updater = std::move(made);
     });
     return updater;
 }
