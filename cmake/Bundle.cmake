@@ -7,8 +7,7 @@ set(LUMORA_BUNDLE_RESOURCES
   FallbackPage.css
   FallbackPage.js
   MisconfigurationPage.html
-  NoInternetPage.html
-  OvraTesselLumora.svg)
+  NoInternetPage.html)
 
 # Makes an executable the bundle's main program, with its property list and resources beside it.
 function(lumora_bundle_application target)
@@ -20,6 +19,9 @@ function(lumora_bundle_application target)
   foreach(resource IN LISTS LUMORA_BUNDLE_RESOURCES)
     configure_file("${resources}/${resource}" "${LUMORA_BUNDLE}/Contents/Resources/${resource}" COPYONLY)
   endforeach()
+  # The folders and the name are those by which desktops find an application's icon.
+  configure_file("${resources}/OvraTesselLumora.svg"
+    "${LUMORA_BUNDLE}/Contents/Resources/icons/hicolor/scalable/apps/com.ovra.tessel.OvraTesselLumora.svg" COPYONLY)
 endfunction()
 
 # Puts a helper program beside the main one.

@@ -117,10 +117,13 @@ TEST_F(LocalPages, aFailureAnsweredByAReloadAndTheLocalPageDoesNotGoRound) {
     EXPECT_EQ(title(), "offline");
 }
 
-TEST_F(LocalPages, aMissingLocalPageIsNotReported) {
+TEST_F(LocalPages, aMissingLocalPageFailsUnderItsAddress) {
     view.loadFile((folder_ / "Missing.html").string(), folder_.string());
-    runFor(500ms);
-    EXPECT_EQ(delegate.reportedFailures(), 0U);
+    ASSERT_TRUE(runUntil([this] { return delegate.reportedFailures() > 0; }));
+    ASSERT_EQ(delegate.provisionalFailures.size(), 1U);
+    const std::string address = delegate.provisionalFailures.front().failingUrl.value_or("");
+    EXPECT_TRUE(address.starts_with("file:")) << address;
+    EXPECT_TRUE(address.ends_with("/Missing.html")) << address;
 }
 
 TEST_F(LocalPages, aLocalPageWhoseProcessDiesIsShownAgain) {

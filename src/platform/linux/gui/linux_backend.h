@@ -4,10 +4,10 @@
 #include "platform/linux/gui/gio_path_monitors.h"
 #include "platform/linux/gui/glib_main_loop.h"
 #include "platform/linux/gui/webkit_host.h"
-#include "platform/linux/ports/curl_http_sessions.h"
 #include "platform/linux/ports/linux_bundles.h"
 #include "platform/linux/ports/linux_distributed_notifications.h"
 #include "platform/linux/ports/linux_file_manager.h"
+#include "platform/linux/ports/linux_http_sessions.h"
 #include "platform/linux/ports/linux_preferences.h"
 #include "platform/linux/ports/linux_property_lists.h"
 #include "platform/linux/ports/linux_system_versions.h"
@@ -56,7 +56,7 @@ class LinuxBackend {
     posix_backend::PosixTaskRunner tasks_;
     GlibMainLoop mainLoop_;
     GioPathMonitors pathMonitors_;
-    CurlHttpSessions httpSessions_;
+    LinuxHttpSessions httpSessions_;
     DesktopApplication application_;
     WebKitHost webViewHost_;
 };

@@ -12,7 +12,7 @@
 namespace {
 
 using namespace lumora;
-using platform::linux_backend::LinuxBackend;
+using namespace platform::linux_backend;
 
 /// Everything that lives as long as the process. The load of the page begins before its window is built.
 struct RunningApplication {
@@ -39,7 +39,7 @@ struct RunningApplication {
 
 int main(int argc, char** argv) {
     auto childEnvironment = platform::posix_backend::currentEnvironment();
-    platform::linux_backend::preferSoftwareRendering();
+    preferSoftwareRendering();
 
     // Never destroyed: work on other threads may still use them when the process ends.
     auto& backend = *new LinuxBackend({argv + 1, argv + argc}, std::move(childEnvironment));

@@ -12,7 +12,7 @@ constexpr int kHeight = 700;
 constexpr int kSmallestWidth = 360;
 constexpr int kSmallestHeight = 320;
 
-constexpr const char* kIconName = "OvraTesselLumora";
+constexpr const char* kIconName = "com.ovra.tessel.OvraTesselLumora";
 
 constexpr gboolean kGoOnClosing = FALSE;
 
@@ -43,7 +43,7 @@ void MainWindow::present() { gtk_window_present(window_.get()); }
 
 void setDefaultIcon(const std::string& resourceFolder) {
     gtk_icon_theme_add_search_path(gtk_icon_theme_get_for_display(gdk_display_get_default()),
-                                   resourceFolder.c_str());
+                                   (resourceFolder + "/icons").c_str());
     gtk_window_set_default_icon_name(kIconName);
 }
 

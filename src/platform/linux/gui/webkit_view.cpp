@@ -12,7 +12,6 @@ namespace {
 /// Always: the engine's own error page would replace what the host shows next.
 constexpr gboolean kHandled = TRUE;
 
-/// A local page whose process dies this often is left alone: there is nothing else to show.
 constexpr int kMostRevivals = 3;
 
 bool isLocal(std::string_view uri) { return uri.starts_with("file:"); }
@@ -175,14 +174,7 @@ bool WebKitView::isPageFailure(LoadTracker::FailureKind kind, const std::string&
     if (verdict == LoadTracker::Verdict::replacedByHost)
         return false; // the timer belongs to the successor
     timeout_.reset();
-    if (verdict == LoadTracker::Verdict::cancelledByPolicy)
-        return false;
-    if (isLocal(uri)) {
-        // The local pages are what a failure shows: reporting theirs could go round for ever.
-        g_warning("A local page cannot be shown: %s", uri.c_str());
-        return false;
-    }
-    return true;
+    return verdict == LoadTracker::Verdict::pageFailed;
 }
 
 void WebKitView::processTerminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer data) {
@@ -192,19 +184,19 @@ void WebKitView::processTerminated(WebKitWebView*, WebKitWebProcessTerminationRe
     self->committed_.clear();
     self->timeout_.reset();
     self->tracker_.reset();
-    if (isLocal(lost))
-        self->revive(lost);
-    else
+    if (!isLocal(lost) || !self->revive(lost))
         self->reportFailure(processTerminatedError(lost));
 }
 
-// Nobody else would: a local page's failure is not reported.
-void WebKitView::revive(const std::string& localPage) {
+// A local page is what a failure shows: it comes back by itself, unless its process keeps dying.
+bool WebKitView::revive(const std::string& localPage) {
     if (localPage != revived_)
         revivals_ = 0;
     revived_ = localPage;
-    if (++revivals_ <= kMostRevivals)
-        startLoad(requestFor(localPage).get());
+    if (++revivals_ > kMostRevivals)
+        return false;
+    startLoad(requestFor(localPage).get());
+    return true;
 }
 
 void WebKitView::reportProvisionalFailure(const Error& error) {

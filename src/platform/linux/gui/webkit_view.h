@@ -44,7 +44,7 @@ class WebKitView final : public WebView {
     void startLoad(WebKitURIRequest* request);
     void stopLoad();
     void timedOut(std::string uri);
-    void revive(const std::string& localPage);
+    [[nodiscard]] bool revive(const std::string& localPage);
     [[nodiscard]] bool isPageFailure(LoadTracker::FailureKind kind, const std::string& uri);
     void reportProvisionalFailure(const Error& error);
     void reportFailure(const Error& error);
