@@ -49,11 +49,18 @@ enter('join-email', %s);
 PRESS = "document.getElementById('join-submit').click();"
 
 
-def colours(window):
-    """How many colours a window shows: one or two before its first drawing."""
+def drawn(window):
+    """Whether a window shows its own background in all its corners: before its first drawing it shows black, or what
+    lay beneath it."""
     picture = subprocess.run(["import", "-window", window, "miff:-"], capture_output=True, check=True).stdout
-    counted = subprocess.run(["identify", "-format", "%k", "-"], input=picture, capture_output=True, check=True)
-    return int(counted.stdout)
+    size = subprocess.run(["identify", "-format", "%w %h", "-"], input=picture, capture_output=True, check=True)
+    width, height = map(int, size.stdout.split())
+    corners = [(4, 4), (width - 5, 4), (4, height - 5), (width - 5, height - 5)]
+    question = "".join(f"%[pixel:p{{{x},{y}}}]\n" for x, y in corners)
+    shown = subprocess.run(["convert", "-", "-format", question, "info:"], input=picture, capture_output=True,
+                           check=True)
+    colours = set(shown.stdout.decode().split())
+    return len(colours) == 1 and not colours & {"black", "srgb(0,0,0)", "gray(0)"}
 
 
 class Demo:
@@ -194,14 +201,13 @@ class Demo:
         for window in agent_windows:
             subprocess.run(["wmctrl", "-i", "-r", window, "-e", "0,800,540,-1,-1"], check=False)
             subprocess.run(["wmctrl", "-i", "-a", window], check=False)
-        windows = [*self.application.windows(), *agent_windows]
         # A blinking caret would make every picture another one.
         self.page.eval("document.activeElement.blur()")
         last = None
         while time.monotonic() < deadline:
             subprocess.run(["import", "-window", "root", self.picture], check=True)
             content = subprocess.run(["convert", self.picture, "rgb:-"], check=True, capture_output=True).stdout
-            if content == last and all(colours(window) > 16 for window in windows):
+            if content == last and all(drawn(window) for window in agent_windows):
                 break
             last = content
             time.sleep(0.2)
