@@ -278,13 +278,11 @@ TEST_F(PreferencesContract, twoProcessesOfSeveralThreadsLoseNoWrite) {
         return "";
     };
 
-    std::string second;
-    std::thread other([&] { second = inChild([&] { return writeKeys("b"); }); });
-    const std::string first = inChild([&] { return writeKeys("a"); });
-    other.join();
+    Child first([&] { return writeKeys("a"); });
+    Child second([&] { return writeKeys("b"); });
 
-    EXPECT_EQ("", first);
-    EXPECT_EQ("", second);
+    EXPECT_EQ("", first.report());
+    EXPECT_EQ("", second.report());
     const PropertyListDictionary all = stored(folders_.user);
     EXPECT_EQ(2U * kThreads * kKeys, all.size());
     for (const char* process : {"a", "b"}) {

@@ -161,11 +161,14 @@ TEST_F(PropertyListsContract, farDatesAreKept) {
 }
 
 TEST_F(PropertyListsContract, realsDoNotDependOnTheLocale) {
-    const char* previous = std::setlocale(LC_NUMERIC, "de_DE.UTF-8"); // where installed: decimal comma
-    EXPECT_EQ(PropertyListValue(1.5), parsed(document("<real>1.5</real>")));
-    EXPECT_THAT(xml(1.5), testing::HasSubstr("<real>1.5</real>"));
-    if (previous != nullptr)
-        std::setlocale(LC_NUMERIC, "C");
+    if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr)
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    const PropertyListValue value = parsed(document("<real>1.5</real>"));
+    const std::string text = xml(1.5);
+    std::setlocale(LC_NUMERIC, "C");
+
+    EXPECT_EQ(PropertyListValue(1.5), value);
+    EXPECT_THAT(text, testing::HasSubstr("<real>1.5</real>"));
 }
 
 TEST_F(PropertyListsContract, textThatXmlCannotCarryIsAnError) {
@@ -219,7 +222,7 @@ TEST_F(PropertyListsContract, deepNestingIsAnErrorInBothDirectionsAndBothForms) 
         disguised += "<array><!--</array>--><?</array>?>";
     EXPECT_FALSE(lists_.parse(document(disguised)));
 
-    EXPECT_FALSE(lists_.serializeXml(nested(5000)));
+    EXPECT_FALSE(lists_.serializeXml(nested(1000)));
 }
 
 TEST_F(PropertyListsContract, ordinaryNestingIsRead) { EXPECT_EQ(nested(200), parsed(xml(nested(200)))); }

@@ -26,14 +26,12 @@ std::string reportOf(const std::function<std::string()>& body) {
 
 } // namespace
 
-std::string inChild(const std::function<std::string()>& body) {
+Child::Child(const std::function<std::string()>& body) {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
-        return "no pipe";
-    const pid_t child = ::fork();
-    if (child < 0)
-        return "no child";
-    if (child == 0) {
+        return;
+    process_ = ::fork();
+    if (process_ == 0) {
         ::alarm(kDeadlineSeconds);
         ::close(ends[0]);
         const int report = ::fcntl(ends[1], F_DUPFD_CLOEXEC, kHighDescriptor);
@@ -44,19 +42,25 @@ std::string inChild(const std::function<std::string()>& body) {
     }
 
     ::close(ends[1]);
+    reportEnd_ = ends[0];
+}
+
+std::string Child::report() {
+    if (process_ < 0)
+        return "no child";
     std::string text;
     std::array<char, 4096> chunk{};
     for (;;) {
-        const ssize_t count = ::read(ends[0], chunk.data(), chunk.size());
+        const ssize_t count = ::read(reportEnd_, chunk.data(), chunk.size());
         if (count > 0)
             text.append(chunk.data(), static_cast<std::size_t>(count));
         else if (count == 0 || errno != EINTR)
             break;
     }
-    ::close(ends[0]);
+    ::close(reportEnd_);
 
     int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR)
+    while (::waitpid(process_, &status, 0) < 0 && errno == EINTR)
         ;
     if (WIFSIGNALED(status))
         return text + " [ended by signal " + std::to_string(WTERMSIG(status)) + "]";
@@ -64,6 +68,8 @@ std::string inChild(const std::function<std::string()>& body) {
         return text + " [ended with status " + std::to_string(WEXITSTATUS(status)) + "]";
     return text;
 }
+
+std::string inChild(const std::function<std::string()>& body) { return Child(body).report(); }
 
 std::string inChildAsOrdinaryUser(const std::function<std::string()>& body) {
     return inChild([&body]() -> std::string {

@@ -1,13 +1,28 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <functional>
 #include <string>
 
 namespace lumora::contract {
 
-/// Runs the body in a forked process and returns what it reports: empty text is success. A crash, a non-zero exit and
-/// a body that outlives the deadline are reported as such. For bodies that change their process: streams, user,
-/// descriptor limits.
+/// A body that runs in a forked process, for what changes its process: streams, user, descriptor limits. Fork before
+/// the test starts threads.
+class Child {
+  public:
+    explicit Child(const std::function<std::string()>& body);
+
+    /// What the body reports: empty text is success. A crash, a non-zero exit and a body that outlives the deadline are
+    /// reported as such. Once.
+    [[nodiscard]] std::string report();
+
+  private:
+    pid_t process_ = -1;
+    int reportEnd_ = -1;
+};
+
+/// Runs the body in a forked process to its end.
 [[nodiscard]] std::string inChild(const std::function<std::string()>& body);
 
 /// The same as an ordinary user (the superuser's rights would hide what a test looks for).
