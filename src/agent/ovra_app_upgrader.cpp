@@ -49,7 +49,7 @@ std::string oldAgentPath() { return agentFolder() + "/Ovra.App"; }
 OvraAppUpgrader& OvraAppUpgrader::getInstance() {
     return sharedInstance().get([] {
         auto upgrader = std::make_unique<OvraAppUpgrader>();
-        log("{} : Update Info Object Allocated", kGetInstance);
+        guarded(kGetInstance, [] { log("{} : Update Info Object Allocated", kGetInstance); });
         return upgrader;
     });
 }

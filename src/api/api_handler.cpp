@@ -50,7 +50,7 @@ std::optional<std::string> lumoraCheckUrl(const SessionDetails& session) {
 ApiHandler& ApiHandler::getInstance() {
     return sharedInstance().get([] {
         auto handler = std::make_unique<ApiHandler>();
-        log("{} : Update Info Object Allocated", kGetInstance);
+        guarded(kGetInstance, [] { log("{} : Update Info Object Allocated", kGetInstance); });
         return handler;
     });
 }

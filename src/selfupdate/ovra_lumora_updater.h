@@ -13,12 +13,22 @@ namespace lumora {
 class OvraLumoraUpdater : public std::enable_shared_from_this<OvraLumoraUpdater> {
   public:
     /// A new instance on every call: each update check gets a chain of its own.
+    /// Absent when making one raised.
     [[nodiscard]] static std::shared_ptr<OvraLumoraUpdater> getInstance();
 
+    /// Starts the chain when the update check said that a newer version exists.
     void checkOvraLumoraUpdate();
+
+    /// Starts the download and returns at once; the rest of the chain runs on the download session's own thread.
     void downloadLumoradmg();
+
+    /// Mounts the downloaded image, remembers its mount point and stages the bundle.
     void mountingOvraLumoraDmg();
+
+    /// Replaces the staged bundle by the mounted image's, marks it for the exit, detaches and deletes the image.
     void copyAppFile();
+
+    /// Detaches what this instance mounted; the tool's status is only logged.
     void unMountingOvraLumoraDmg();
 
   private:

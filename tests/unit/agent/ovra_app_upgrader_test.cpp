@@ -33,6 +33,17 @@ TEST_F(AppUpgrader, isMadeAndLoggedOnce) {
                 ElementsAre("+[OvraAppUpgrader getInstance] : Update Info Object Allocated"));
 }
 
+TEST_F(AppUpgrader, stillStandsWhenItsLineCannotBeWritten) {
+    OvraAppUpgrader::resetForTesting();
+    fakes::FailingStreams failing(streams, 1);
+    platform::ports().standardStreams = &failing;
+
+    EXPECT_NO_THROW(static_cast<void>(OvraAppUpgrader::getInstance()));
+
+    EXPECT_THAT(streams.logged(),
+                ElementsAre(exceptionLine("+[OvraAppUpgrader getInstance]", "write failed")));
+}
+
 TEST_F(AppUpgrader, isOneForTwoConcurrentFirstCalls) {
     OvraAppUpgrader::resetForTesting();
     std::array<OvraAppUpgrader*, 2> seen{};

@@ -1,4 +1,5 @@
 #include "api/update_check_test.h"
+#include "config/failing_streams.h"
 
 #include <array>
 #include <thread>
@@ -18,6 +19,15 @@ TEST_F(ApiHandlerInstance, isMadeAndLoggedOnce) {
 
     EXPECT_EQ(&first, &second);
     EXPECT_THAT(streams.logged(), ElementsAre("+[ApiHandler getInstance] : Update Info Object Allocated"));
+}
+
+TEST_F(ApiHandlerInstance, stillStandsWhenItsLineCannotBeWritten) {
+    fakes::FailingStreams failing(streams, 1);
+    platform::ports().standardStreams = &failing;
+
+    EXPECT_NO_THROW(static_cast<void>(ApiHandler::getInstance()));
+
+    EXPECT_THAT(streams.logged(), ElementsAre(exceptionLine("+[ApiHandler getInstance]", "write failed")));
 }
 
 TEST_F(ApiHandlerInstance, isOneForTwoConcurrentFirstCalls) {

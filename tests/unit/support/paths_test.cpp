@@ -13,9 +13,7 @@ TEST(Paths, joinsComponentsWithOneSlash) {
     EXPECT_EQ(appendPathComponent("", "c"), "c");
 }
 
-TEST(Paths, foldsEveryRunOfSlashes) {
-    EXPECT_EQ(appendPathComponent("/a//b///", "//c//d/"), "/a/b/c/d");
-}
+TEST(Paths, foldsEveryRunOfSlashes) { EXPECT_EQ(appendPathComponent("/a//b///", "//c//d/"), "/a/b/c/d"); }
 
 TEST(Paths, endsInNoSlashButTheRootsOwn) {
     EXPECT_EQ(appendPathComponent("/a/", ""), "/a");
