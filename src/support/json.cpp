@@ -9,16 +9,24 @@ namespace lumora {
 
 namespace {
 
-/// Builds the value, refusing what nests too deeply before any recursion could meet it.
-Json parseBounded(std::string_view text, bool& tooDeep) {
-    const auto depthGate = [&tooDeep](int depth, Json::parse_event_t event, Json&) {
-        const bool opens =
-            event == Json::parse_event_t::object_start || event == Json::parse_event_t::array_start;
-        if (opens && depth >= kMaximumJsonDepth)
-            tooDeep = true;
-        return !tooDeep;
-    };
-    return Json::parse(text.begin(), text.end(), depthGate, /*allow_exceptions=*/false);
+/// Whether brackets outside of strings nest deeper than the parser may be let. A pass of its own: the parser's callback,
+/// which could tell, makes it walk a whole container again for each object in it. Text that is not JSON may be counted
+/// wrongly, but only behind the place where the parser refuses it.
+bool nestsTooDeeply(std::string_view text) {
+    int depth = 0;
+    bool inString = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char character = text[at];
+        if (inString && character == '\\')
+            ++at; // the next one is escaped, be it a quote
+        else if (character == '"')
+            inString = !inString;
+        else if (!inString && (character == '[' || character == '{') && ++depth > kMaximumJsonDepth)
+            return true;
+        else if (!inString && (character == ']' || character == '}'))
+            --depth;
+    }
+    return false;
 }
 
 std::optional<OrderedJson> toJsonValue(const platform::PropertyListValue& value);
@@ -69,9 +77,10 @@ std::optional<OrderedJson> toJsonValue(const platform::PropertyListValue& value)
 std::optional<Json> parseJson(std::string_view text) {
     if (text.find('\0') != std::string_view::npos)
         return std::nullopt; // the parser takes it for the end of the text and would not see what follows
-    bool tooDeep = false;
-    Json value = parseBounded(text, tooDeep);
-    if (tooDeep || value.is_discarded())
+    if (nestsTooDeeply(text))
+        return std::nullopt;
+    Json value = Json::parse(text, nullptr, /*allow_exceptions=*/false);
+    if (value.is_discarded())
         return std::nullopt;
     return value;
 }

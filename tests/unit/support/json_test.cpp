@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <limits>
 #include <string>
 
@@ -27,6 +28,16 @@ TEST(JsonParsing, takesAsManyMembersAsAMessageCanHold) {
     const auto object = parsed(text + "}");
     EXPECT_EQ(object.size(), kMembers + 1U);
     EXPECT_EQ(*member(object, "99999"), 99999);
+}
+
+TEST(JsonParsing, takesAsManyObjectsAsAMessageCanHold) {
+    constexpr int kObjects = 200000; // a walk over the list for each of them would take minutes
+    std::string text = "[";
+    for (int index = 0; index < kObjects; ++index)
+        text += "{},";
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(parsed(text + "{}]").size(), kObjects + 1U);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
 TEST(JsonParsing, refusesMalformedText) {
@@ -60,6 +71,15 @@ TEST(JsonParsing, countsObjectsAndListsTogether) {
 TEST(JsonParsing, deepNestingDoesNotExhaustTheStack) {
     EXPECT_FALSE(parseJson(std::string(100000, '[')));
     EXPECT_FALSE(parseJson(nested(100000)));
+}
+
+TEST(JsonParsing, bracketsInTextDoNotCount) {
+    const std::string many(1000, '[');
+    EXPECT_TRUE(parseJson("[\"" + many + "\"]"));
+    EXPECT_TRUE(parseJson("[\"\\\"" + many + "\"]"));
+    EXPECT_TRUE(parseJson(R"({"a\\":")" + many + R"("})"));
+    EXPECT_FALSE(parseJson(R"(["a\\",)" + nested(512) + "]"));
+    EXPECT_FALSE(parseJson(R"(["]\"]]]]",)" + nested(512) + "]"));
 }
 
 TEST(JsonParsing, siblingsOfADeepMemberDoNotCount) {
