@@ -86,12 +86,17 @@ std::string LinuxFileManager::libraryDirectory() { return home_.path() + "/Libra
 
 Result<std::string> LinuxFileManager::resolved(const std::string& path) const {
     if (path.find('\0') != std::string::npos)
-        return posixError(EINVAL, path.c_str()); // the kernel would see a shorter path
+        return posixError(EINVAL, "a path that holds a NUL"); // the kernel would see a shorter one
     return home_.resolve(path);
 }
 
 bool LinuxFileManager::fileExists(const std::string& path) {
-    const auto place = resolved(path);
+    // The kernel finds no file under a name that ends in a slash; the product's home does, and support folders are
+    // asked for that way.
+    std::string name = path;
+    while (name.size() > 1 && name.back() == '/')
+        name.pop_back();
+    const auto place = resolved(name);
     struct stat status {};
     return place && ::stat(place.value().c_str(), &status) == 0;
 }
