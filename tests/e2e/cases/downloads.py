@@ -24,6 +24,12 @@ class Downloads(EndToEndCase):
         self.wait_for_launch_checks()
         self.mark = self.log.mark()
 
+    def serve_image(self, content):
+        """Serves these bytes as a newer agent's image, whether or not they name a version."""
+        self.data_centre.replace_agent_image(content)
+        self.data_centre.answer(agent={"representation": {"AGENT": {
+            "update_needed": True, "download_url": "https://cdn.ovratessel.example" + IMAGE_PATH}}})
+
     def assert_failed_mount(self):
         """The chain of an image that does not mount: to its end, with nothing installed or left."""
         self.wait_for_install(self.mark)
@@ -116,24 +122,24 @@ class Downloads(EndToEndCase):
 
     def test_truncated_image(self):
         whole = self.data_centre.agent_image.read_bytes()
-        self.data_centre.replace_agent_image(whole[:len(whole) // 2])
+        self.serve_image(whole[:len(whole) // 2])
         self.join()
         self.assert_failed_mount()
 
     def test_image_that_is_noise(self):
-        self.data_centre.replace_agent_image(bytes(range(256)) * 4096)
+        self.serve_image(bytes(range(256)) * 4096)
         self.join()
         self.assert_failed_mount()
 
     def test_image_of_another_kind(self):
         header = b"Ovra.app/" + b"\0" * 91 + b"0000755\0" + b"0000000\0" * 2 + b"0" * 11 + b"\0" + b"0" * 11 + b"\0"
-        self.data_centre.replace_agent_image(header.ljust(512, b"\0") + b"\0" * 1024)
+        self.serve_image(header.ljust(512, b"\0") + b"\0" * 1024)
         self.join()
         self.assert_failed_mount()
 
     def test_path_that_climbs_out(self):
         image = images.iso({"Ovra.app/Contents/Info.plist": b"x", "climbclimbclimb": b"#!/bin/sh\n"})
-        self.data_centre.replace_agent_image(images.renamed(image, "climbclimbclimb", "../../../../pwn"))
+        self.serve_image(images.renamed(image, "climbclimbclimb", "../../../../pwn"))
         self.join()
         self.assert_failed_mount()
         for folder in (pathlib.Path("/"), pathlib.Path("/Volumes"), self.home.path, *self.home.path.parents):
@@ -144,26 +150,26 @@ class Downloads(EndToEndCase):
         outside.mkdir()
         image = images.iso({"Ovra.app/Contents/Info.plist": b"x", "linklink": str(outside), "foldfold/planted": b"x"})
         image = images.renamed(images.renamed(image, "linklink", "samesame"), "foldfold", "samesame")
-        self.data_centre.replace_agent_image(image)
+        self.serve_image(image)
         self.join()
         self.assert_failed_mount()
         self.assertEqual(list(outside.iterdir()), [])
 
     def test_absurd_size(self):
         image = images.iso({"Ovra.app/Contents/Info.plist": b"x", "bigfile": b"x" * 100})
-        self.data_centre.replace_agent_image(images.with_size(image, "BIGFILE", 0xFFFFF000))
+        self.serve_image(images.with_size(image, "BIGFILE", 0xFFFFF000))
         self.join()
         self.assert_failed_mount()
 
     def test_content_beyond_the_image(self):
         image = images.iso({"Ovra.app/Contents/Info.plist": b"x", "bigfile": b"x" * 100})
-        self.data_centre.replace_agent_image(images.with_extent(image, "BIGFILE", 0x00FFFFFF))
+        self.serve_image(images.with_extent(image, "BIGFILE", 0x00FFFFFF))
         self.join()
         self.assert_failed_mount()
 
     def test_volume_name_that_leads_out(self):
         image = images.iso({"Ovra.app/Contents/Info.plist": b"x"}, volume="AAAAAAAA")
-        self.data_centre.replace_agent_image(images.renamed(image, "AAAAAAAA", "../../pw"))
+        self.serve_image(images.renamed(image, "AAAAAAAA", "../../pw"))
         self.join()
         self.assert_failed_mount()
         self.assertFalse(os.path.lexists("/pw"))
