@@ -2,6 +2,7 @@
 
 import json
 import plistlib
+import subprocess
 
 from harness import agent, waiting
 from harness.case import (EMAIL, EndToEndCase,
@@ -33,6 +34,19 @@ class JoinPage(EndToEndCase):
         waiting.until(lambda: self.page.eval(
             "return document.getElementById('active-key').textContent.replace(/\\D/g, '')") == "123456789",
                       "the active key on the page")
+
+    def test_typing_at_the_keyboard_joins(self):
+        window, = self.application.windows()
+        subprocess.run(["wmctrl", "-i", "-a", window], check=True)
+        for field, text in (("session-key", "1234567890"), ("join-email", EMAIL)):
+            self.page.eval(f"document.getElementById('{field}').focus()")
+            subprocess.run(["xdotool", "type", "--delay", "60", text], check=True)
+            waiting.until(lambda: self.page.eval(
+                f"return document.getElementById('{field}').value.replaceAll(' ', '')") == text, f"{text} in its field")
+        subprocess.run(["xdotool", "key", "Return"], check=True)
+        self.wait_for_install()
+        record, = agent.wait_for_records(self.home)
+        self.assert_agent_was_given(record, self.assert_join_details(key=1234567890))
 
     def test_request_form_starts_the_agent_with_the_name(self):
         self.enter(customer_name="Zoë Muster", customer_email=EMAIL, request_key="REQ 456 789")
