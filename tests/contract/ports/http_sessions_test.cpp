@@ -99,6 +99,7 @@ TEST_F(HttpSessionsContract, noTaskLeavesAFileBehind) {
     EXPECT_NE(0, codeOf(download(get("ftp://localhost/x"))));
 
     EXPECT_TRUE(eventually([&] { return std::filesystem::is_empty(folder_.path()); }));
+    ::unsetenv("TMPDIR");
 }
 
 TEST_F(HttpSessionsContract, anAddressThatDidNotParseIsABadUrl) {

@@ -1,5 +1,6 @@
 #include "platform/linux/ports/home_folder.h"
 
+#include <fmt/format.h>
 #include <utf8proc.h>
 
 #include <dirent.h>
@@ -91,12 +92,12 @@ std::string HomeFolder::resolve(const std::string& path) const {
     std::string resolved = path_ == "/" ? "" : path_;
     bool exists = true; // a component that is missing ends the search: what follows is new
     for (std::size_t index = home.size(); index < wanted.size(); ++index) {
-        std::string candidate = resolved + '/' + std::string(wanted[index]);
+        std::string candidate = fmt::format("{}/{}", resolved, wanted[index]);
         if (exists && !standsAt(candidate)) {
             const std::string found = entryWhateverItsCase(resolved.empty() ? "/" : resolved, wanted[index]);
             exists = !found.empty();
             if (exists)
-                candidate = resolved + '/' + found;
+                candidate = fmt::format("{}/{}", resolved, found);
         }
         resolved = std::move(candidate);
     }

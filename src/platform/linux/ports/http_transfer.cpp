@@ -1,5 +1,7 @@
 #include "platform/linux/ports/http_transfer.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 #include <new>
@@ -98,7 +100,7 @@ std::optional<UrlError> HttpTransfer::findRefusal() const {
 void HttpTransfer::addHeaders() {
     for (const auto& [name, value] : request_.headers) {
         // A colon without a value would remove a header; the semicolon sends an empty one.
-        const std::string line = value.empty() ? name + ";" : name + ": " + value;
+        const std::string line = value.empty() ? name + ";" : fmt::format("{}: {}", name, value);
         curl_slist* longer = curl_slist_append(headers_.get(), line.c_str());
         if (longer == nullptr)
             throw std::bad_alloc();
@@ -215,7 +217,7 @@ std::optional<HttpResponse> HttpTransfer::response() const {
     return HttpResponse{status, textOf(handle_.get(), CURLINFO_EFFECTIVE_URL)};
 }
 
-HttpOutcome HttpTransfer::finish(CURLcode result, bool hasNetworkPath) {
+HttpOutcome HttpTransfer::finish(CURLcode result, const std::function<bool()>& hasNetworkPath) {
     if (storingFault_)
         return fail(*storingFault_);
     if (result != CURLE_OK) {
@@ -223,7 +225,7 @@ HttpOutcome HttpTransfer::finish(CURLcode result, bool hasNetworkPath) {
         fault.curlCode = static_cast<int>(result);
         fault.certificateResult = numberOf(handle_.get(), CURLINFO_SSL_VERIFYRESULT);
         fault.systemError = numberOf(handle_.get(), CURLINFO_OS_ERRNO);
-        fault.hasNetworkPath = hasNetworkPath;
+        fault.hasNetworkPath = result != CURLE_COULDNT_RESOLVE_HOST || hasNetworkPath();
         return fail(urlErrorFor(fault));
     }
     // A head that the connection's end cuts short passes for one without a body.

@@ -9,6 +9,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -58,7 +59,8 @@ class HttpTransfer {
     [[nodiscard]] Clock::time_point deadline() const;
 
     /// The outcomes. Each takes the body with it; called once, last.
-    [[nodiscard]] HttpOutcome finish(CURLcode result, bool hasNetworkPath);
+    /// @param hasNetworkPath  asked only when the answer makes a difference
+    [[nodiscard]] HttpOutcome finish(CURLcode result, const std::function<bool()>& hasNetworkPath);
     [[nodiscard]] HttpOutcome fail(UrlError code);
 
   private:

@@ -133,7 +133,7 @@ class HttpTransport::Loop : public std::enable_shared_from_this<Loop> {
             });
             if (ended != running_.end())
                 end(running_, ended,
-                    [&](HttpTransfer& transfer) { return transfer.finish(result, hasNetworkPath_()); });
+                    [&](HttpTransfer& transfer) { return transfer.finish(result, hasNetworkPath_); });
         }
     }
 

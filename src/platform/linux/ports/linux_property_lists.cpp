@@ -8,9 +8,8 @@
 
 #include <plist/plist.h>
 
-#include <locale.h>
-
 #include <charconv>
+#include <clocale>
 #include <cstdlib>
 #include <memory>
 

@@ -2,17 +2,27 @@
 
 #include "platform/linux/ports/file_contents.h"
 
-#include <glib.h>
-
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace lumora::platform::linux_backend {
 
-TemporaryFile::TemporaryFile() : path_(std::string(g_get_tmp_dir()) + "/lumora-download-XXXXXX") {
+namespace {
+
+std::string temporaryFolder() {
+    std::error_code missing;
+    const std::filesystem::path folder = std::filesystem::temp_directory_path(missing);
+    return missing ? "/tmp" : folder.string();
+}
+
+} // namespace
+
+TemporaryFile::TemporaryFile() : path_(temporaryFolder() + "/lumora-download-XXXXXX") {
     file_.reset(::mkostemp(path_.data(), O_CLOEXEC));
 }
 
