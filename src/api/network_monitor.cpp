@@ -84,7 +84,7 @@ void NetworkMonitor::checkWebsiteReachability() {
     const auto session = platform::ports().httpSessions->makeSession(configuration_);
     session->startDataTask(probeRequest(std::move(*url)), [this, alive = std::weak_ptr(alive_),
                                                            generation = probeGeneration_](
-                                                              platform::HttpAnswer answer) {
+                                                              const platform::HttpAnswer& answer) {
         if (alive.expired())
             return;
         platform::ports().mainLoop->asyncOnMain([this, alive, generation, websiteReached = reached(answer)] {
