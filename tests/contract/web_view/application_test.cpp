@@ -12,7 +12,7 @@ class TheApplication : public ::testing::Test {
   protected:
     GlibMainLoop loop;
     DesktopApplication application{loop};
-    WebKitHost host{loop};
+    WebKitHost host{loop, "ovrajoin"};
     std::unique_ptr<WebView> view;
     char name[6] = "tests";
 

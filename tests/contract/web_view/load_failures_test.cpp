@@ -89,6 +89,11 @@ TEST_F(FailedLoads, anUntrustedCertificateFailsTheTrustFirst) {
 }
 
 TEST_F(FailedLoads, anUnknownSchemeFails) {
+    load("unheard-of://session");
+    expectOneProvisionalFailure(-1002, "unheard-of://session");
+}
+
+TEST_F(FailedLoads, aDeepLinkThatTheWholePageIsToShowFails) {
     load("ovrajoin://session");
     expectOneProvisionalFailure(-1002, "ovrajoin://session");
 }

@@ -7,12 +7,13 @@ namespace lumora::platform::linux_backend::testing {
 class NavigationPolicies : public ViewTest {
   protected:
     void SetUp() override {
-        delegate.policy = [](const NavigationAction& action) {
+        delegate.policy = [this](const NavigationAction& action) {
             const bool guarded = action.type == NavigationType::reload ||
                                  (action.type == NavigationType::other && action.sourceFrameIsMainFrame);
-            if (action.type == NavigationType::linkActivated &&
-                action.url.value_or("").starts_with("ovrajoin:"))
+            if (!guarded && action.url.value_or("").starts_with("ovrajoin:")) {
+                ++deepLinks;
                 return NavigationPolicy::cancel;
+            }
             return !guarded || action.url.value_or("").find("localhost") != std::string::npos
                        ? NavigationPolicy::allow
                        : NavigationPolicy::cancel;
@@ -26,6 +27,7 @@ class NavigationPolicies : public ViewTest {
     }
 
     static constexpr const char* kForeign = "127.0.0.1";
+    int deepLinks = 0; ///< handed on by the policy
 
     [[nodiscard]] std::string foreign() const { return server.url("/foreign", kForeign); }
 
@@ -171,6 +173,41 @@ TEST_F(NavigationPolicies, aCancelledDeepLinkKeepsThePage) {
     ASSERT_TRUE(runUntil([this] { return !delegate.asked.empty(); }));
     EXPECT_EQ(delegate.asked.front().url, "ovrajoin://session/1");
     expectThePageStays();
+}
+
+TEST_F(NavigationPolicies, aScriptsDeepLinkOfTheWholePageIsOnlyCancelled) {
+    run("location.href = 'ovrajoin://session/3'");
+    ASSERT_TRUE(runUntil([this] { return !delegate.asked.empty(); }));
+    expectThePageStays();
+    EXPECT_EQ(deepLinks, 0);
+}
+
+TEST_F(NavigationPolicies, aDeepLinkInAFrameIsHandedOnOnce) {
+    frame("ovrajoin://session/4");
+    ASSERT_TRUE(runUntil([this] { return deepLinks > 0; }));
+    EXPECT_FALSE(delegate.asked.back().sourceFrameIsMainFrame);
+    EXPECT_EQ(delegate.asked.back().url, "ovrajoin://session/4");
+    expectThePageStays();
+    EXPECT_EQ(deepLinks, 1);
+}
+
+TEST_F(NavigationPolicies, aPictureIsNoDeepLink) {
+    run("document.body.innerHTML = '<img src=\"ovrajoin://session/5\" onerror=\"document.title = 1\">'");
+    ASSERT_TRUE(waitForTitle("1"));
+    EXPECT_EQ(deepLinks, 0);
+}
+
+TEST_F(NavigationPolicies, aBlankPageGoesBackToThePageThatItReplaced) {
+    run("location.href = 'about:blank'");
+    runFor(300ms);
+    ASSERT_TRUE(waitForTitle("page"));
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(NavigationPolicies, blankFramesStay) {
+    frame("about:blank");
+    expectThePageStays();
+    EXPECT_EQ(valueOf("frames.length"), "1");
 }
 
 TEST_F(NavigationPolicies, aLinkThatAsksForAWindowIsHandedToTheHost) {

@@ -70,7 +70,7 @@ class ViewTest : public ::testing::Test {
 
     GlibMainLoop loop;
     RecordingDelegate delegate;
-    WebKitView view{loop};
+    WebKitView view{loop, "ovrajoin"};
     PageServer server;
 
   private:

@@ -7,6 +7,9 @@ namespace {
 /// The system's own disk-image tool does not exist here: the bundle brings its equivalent.
 constexpr const char* kDiskImageTool = "/usr/bin/hdiutil";
 
+/// The service's own links, handed to the operating system wherever in the page they are opened.
+constexpr const char* kDeepLinkScheme = "ovrajoin";
+
 std::string toolBeside(const std::string& executable, const std::string& name) {
     return executable.substr(0, executable.rfind('/') + 1) + name;
 }
@@ -19,7 +22,7 @@ LinuxBackend::LinuxBackend(const std::vector<std::string>& launchArguments,
       preferences_(launchArguments, PreferenceFolders::forHome(home_.path()), propertyLists_),
       workspace_(bundles_, home_, childEnvironment),
       tasks_(childEnvironment, {{kDiskImageTool, toolBeside(LinuxBundles::runningExecutable(), "hdiutil")}}),
-      application_(mainLoop_), webViewHost_(mainLoop_) {}
+      application_(mainLoop_), webViewHost_(mainLoop_, kDeepLinkScheme) {}
 
 Ports LinuxBackend::ports() {
     return Ports{

@@ -36,10 +36,13 @@ NavigationAction describe(WebKitNavigationAction* action) {
 
 } // namespace
 
-NavigationGate::NavigationGate(WebKitWebView* view, LoadTracker& tracker,
+NavigationGate::NavigationGate(WebKitWebView* view, LoadTracker& tracker, const std::string& deepLinkScheme,
                                std::function<WebViewDelegate*()> delegate)
     : view_(view), tracker_(tracker), delegate_(std::move(delegate)),
-      topFrameFilter_(webkit_web_view_get_user_content_manager(view)), signals_(view) {
+      topFrameFilter_(webkit_web_view_get_user_content_manager(view)), deepLinkPrefix_(deepLinkScheme + ":"),
+      frameDeepLinks_(webkit_web_view_get_context(view), deepLinkScheme,
+                      [this](const std::string& uri) { frameAskedForDeepLink(uri); }),
+      signals_(view) {
     signals_.connect("decide-policy", &NavigationGate::decidePolicy, this);
     signals_.connect("create", &NavigationGate::create, this);
 }
@@ -99,7 +102,23 @@ void NavigationGate::decideOfAnyFrame(WebKitPolicyDecision* decision, const Navi
     }
     topFrameFilter_.setActive(true);
     subframesOnly_ = uri;
+    if (uri.starts_with(deepLinkPrefix_))
+        maybeOfFrames_.insert(uri);
     webkit_policy_decision_use(decision);
+}
+
+// Also asked for as a picture or the like: only what was decided on as a navigation counts.
+void NavigationGate::frameAskedForDeepLink(const std::string& uri) {
+    if (maybeOfFrames_.erase(uri) == 0)
+        return;
+    // Whatever the answer, the engine cannot load it; the delegate does what is to be done.
+    static_cast<void>(ask({NavigationType::other, uri, false, true}));
+}
+
+void NavigationGate::committed(const std::string& uri) {
+    maybeOfFrames_.clear();
+    if (!subframesOnly_.empty() && uri == subframesOnly_ && webkit_web_view_can_go_back(view_) != FALSE)
+        webkit_web_view_go_back(view_);
 }
 
 // A link or form that asks for a new window. When it may, the engine asks for the window next. A script's request for one

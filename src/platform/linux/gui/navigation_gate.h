@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/gui/frame_deep_links.h"
 #include "platform/linux/gui/load_tracker.h"
 #include "platform/linux/gui/top_frame_filter.h"
 #include "platform/web_view.h"
@@ -7,6 +8,7 @@
 #include <webkit/webkit.h>
 
 #include <functional>
+#include <set>
 #include <string>
 
 namespace lumora::platform::linux_backend {
@@ -18,12 +20,17 @@ namespace lumora::platform::linux_backend {
 /// by the filter that stops the top frame only.
 class NavigationGate {
   public:
-    NavigationGate(WebKitWebView* view, LoadTracker& tracker, std::function<WebViewDelegate*()> delegate);
+    /// @param deepLinkScheme  a scheme that the engine cannot load and of which the delegate is told for every frame
+    NavigationGate(WebKitWebView* view, LoadTracker& tracker, const std::string& deepLinkScheme,
+                   std::function<WebViewDelegate*()> delegate);
     NavigationGate(const NavigationGate&) = delete;
     NavigationGate& operator=(const NavigationGate&) = delete;
 
     /// The delegate's answer to a load that the host is about to ask for.
     [[nodiscard]] NavigationPolicy judgeOwnLoad(const std::string& uri) const;
+
+    /// A page stands. One that needs no server (about:, blob:) gets past the filter and is taken back here.
+    void committed(const std::string& uri);
 
   private:
     static gboolean decidePolicy(WebKitWebView* view, WebKitPolicyDecision* decision,
@@ -33,6 +40,7 @@ class NavigationGate {
     void decideNavigation(WebKitNavigationPolicyDecision* decision);
     void decideNewWindow(WebKitNavigationPolicyDecision* decision);
     void decideOfAnyFrame(WebKitPolicyDecision* decision, const NavigationAction& action);
+    void frameAskedForDeepLink(const std::string& uri);
     [[nodiscard]] bool decideResponse(WebKitResponsePolicyDecision* decision);
 
     [[nodiscard]] NavigationPolicy ask(const NavigationAction& action) const;
@@ -43,7 +51,10 @@ class NavigationGate {
     LoadTracker& tracker_;
     std::function<WebViewDelegate*()> delegate_;
     TopFrameFilter topFrameFilter_;
-    std::string subframesOnly_; ///< the address that was last let go with the filter on
+    std::string subframesOnly_;           ///< the address that was last let go with the filter on
+    std::set<std::string> maybeOfFrames_; ///< deep links that were let go, until a frame asks for them
+    std::string deepLinkPrefix_;
+    FrameDeepLinks frameDeepLinks_;
     SignalConnections signals_;
 };
 

@@ -6,7 +6,7 @@
 namespace lumora::platform::linux_backend {
 
 std::unique_ptr<WebView> WebKitHost::makeWebView() {
-    auto view = std::make_unique<WebKitView>(loop_);
+    auto view = std::make_unique<WebKitView>(loop_, deepLinkScheme_);
     view_ = ObjectRef<WebKitWebView>::retain(view->widget());
     return view;
 }

@@ -15,7 +15,9 @@ namespace lumora::platform::linux_backend {
 /// Main thread.
 class WebKitHost final : public WebViewHost {
   public:
-    explicit WebKitHost(GlibMainLoop& loop) : loop_(loop) {}
+    /// @param deepLinkScheme  the scheme of links that are handed to the operating system
+    WebKitHost(GlibMainLoop& loop, std::string deepLinkScheme)
+        : loop_(loop), deepLinkScheme_(std::move(deepLinkScheme)) {}
 
     [[nodiscard]] std::unique_ptr<WebView> makeWebView() override;
     [[nodiscard]] Window* window() override;
@@ -27,6 +29,7 @@ class WebKitHost final : public WebViewHost {
 
   private:
     GlibMainLoop& loop_;
+    const std::string deepLinkScheme_;
     ObjectRef<WebKitWebView> view_;
     std::unique_ptr<MainWindow> window_;
 };

@@ -42,7 +42,9 @@ LoadTracker::FailureKind kindOf(const GError& error) {
 }
 
 ObjectRef<WebKitWebView> makeView() {
-    auto view = ObjectRef<WebKitWebView>::retain(WEBKIT_WEB_VIEW(webkit_web_view_new()));
+    const auto context = ObjectRef<WebKitWebContext>::adopt(webkit_web_context_new());
+    auto view = ObjectRef<WebKitWebView>::retain(
+        WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context.get(), nullptr)));
     applySettings(webkit_web_view_get_settings(view.get()));
     answerPageRequestsSilently(view.get());
     return view;
@@ -61,13 +63,13 @@ void scriptEnded(GObject* view, GAsyncResult* result, gpointer data) {
 
 } // namespace
 
-WebKitView::WebKitView(MainLoop& loop)
+WebKitView::WebKitView(MainLoop& loop, const std::string& deepLinkScheme)
     : loop_(loop), view_(makeView()), messages_(webkit_web_view_get_user_content_manager(view_.get()),
                                                 [this](const ScriptMessage& message) {
                                                     if (delegate_ != nullptr)
                                                         delegate_->didReceiveScriptMessage(message);
                                                 }),
-      gate_(view_.get(), tracker_, [this] { return delegate_; }), signals_(view_.get()) {
+      gate_(view_.get(), tracker_, deepLinkScheme, [this] { return delegate_; }), signals_(view_.get()) {
     signals_.connect("load-changed", &WebKitView::loadChanged, this);
     signals_.connect("load-failed", &WebKitView::loadFailed, this);
     signals_.connect("load-failed-with-tls-errors", &WebKitView::certificateRejected, this);
@@ -135,6 +137,7 @@ void WebKitView::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointe
     case WEBKIT_LOAD_COMMITTED:
         self->committed_ = textOf(webkit_web_view_get_uri(view));
         self->tracker_.committed();
+        self->gate_.committed(self->committed_);
         self->timeout_.reset();
         break;
     case WEBKIT_LOAD_FINISHED:

@@ -17,7 +17,8 @@ namespace lumora::platform::linux_backend {
 /// this object, also after its window has closed. Main thread.
 class WebKitView final : public WebView {
   public:
-    explicit WebKitView(MainLoop& loop);
+    /// @param deepLinkScheme  the scheme of links that are handed to the operating system
+    WebKitView(MainLoop& loop, const std::string& deepLinkScheme);
     ~WebKitView() override;
     WebKitView(const WebKitView&) = delete;
     WebKitView& operator=(const WebKitView&) = delete;
