@@ -1,5 +1,5 @@
 #include "agent/agent_test.h"
-#include "config/failing_streams.h"
+#include "fakes/failing_streams.h"
 
 #include <array>
 #include <thread>

@@ -1,25 +1,21 @@
-#include "config/failing_streams.h"
 #include "config/session_details.h"
 #include "config/utils.h"
 #include "fakes/core_test.h"
+#include "fakes/failing_streams.h"
+#include "fakes/log_lines.h"
 
 #include <gmock/gmock.h>
 
 namespace lumora {
 namespace {
 
+using fakes::exceptionLine;
 using ::testing::ElementsAre;
 
 constexpr const char* kApp = "/Applications/Ovra Tessel Lumora.app";
 constexpr const char* kMissing =
     "+[Utils getOvraLumoraAppVersion] : Ovra Tessel Lumora app not found, Setting app "
     "version to zero ( default)";
-
-std::string exceptionLine(const std::string& operation, const std::string& description) {
-    return operation +
-           " : ************************ EXCEPTION ************************ \n Description :  " + description +
-           " // Call Stack Symbol : [\"frame one\",\"frame two\"]";
-}
 
 class AppPath : public CoreTest {
   protected:

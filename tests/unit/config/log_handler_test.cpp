@@ -1,6 +1,7 @@
 #include "config/log_handler.h"
 #include "config/session_details.h"
 #include "fakes/core_test.h"
+#include "fakes/log_lines.h"
 
 #include <gmock/gmock.h>
 
@@ -9,6 +10,7 @@
 namespace lumora {
 namespace {
 
+using fakes::exceptionLine;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -17,12 +19,6 @@ const std::string kLive = kFolder + "ovraLumora.log";
 constexpr std::size_t kLimit = 262145;
 
 std::string backup(int index) { return kFolder + "ovraLumora" + std::to_string(index) + ".log"; }
-
-std::string exceptionLine(const std::string& operation, const std::string& description) {
-    return operation +
-           " : ************************ EXCEPTION ************************ \n Description :  " + description +
-           " // Call Stack Symbol : [\"frame one\",\"frame two\"]";
-}
 
 class Logging : public CoreTest {
   protected:

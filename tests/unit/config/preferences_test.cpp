@@ -1,6 +1,7 @@
 #include "config/session_details.h"
 #include "config/utils.h"
 #include "fakes/core_test.h"
+#include "fakes/log_lines.h"
 
 #include <gmock/gmock.h>
 
@@ -22,10 +23,9 @@ std::string resolved(const std::string& key, const std::string& value) {
            "' resolved via NSUserDefaults search list (managed/user/system): " + value;
 }
 
+/// The guard's line after a preference that could not be read.
 std::string exceptionLine(const std::string& operation) {
-    return operation +
-           " : ************************ EXCEPTION ************************ \n Description :  defaults "
-           "unavailable // Call Stack Symbol : [\"frame one\",\"frame two\"]";
+    return fakes::exceptionLine(operation, "defaults unavailable");
 }
 
 // --- one key ------------------------------------------------------------------------------------------------------

@@ -1,6 +1,6 @@
-#include "config/failing_streams.h"
 #include "config/utils.h"
 #include "fakes/core_test.h"
+#include "fakes/failing_streams.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,8 @@
-#include "config/failing_streams.h"
 #include "config/log_handler.h"
 #include "config/utils.h"
 #include "fakes/core_test.h"
+#include "fakes/failing_streams.h"
+#include "fakes/log_lines.h"
 
 #include <gmock/gmock.h>
 
@@ -71,11 +72,7 @@ TEST_P(SupportFolder, exceptionIsLoggedUnderItsName) {
 
     GetParam().create();
 
-    EXPECT_THAT(
-        streams.logged(),
-        ElementsAre(GetParam().operation +
-                    " : ************************ EXCEPTION ************************ \n Description :  write "
-                    "failed // Call Stack Symbol : [\"frame one\",\"frame two\"]"));
+    EXPECT_THAT(streams.logged(), ElementsAre(fakes::exceptionLine(GetParam().operation, "write failed")));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -173,10 +170,7 @@ TEST_F(DirectoriesAndLog, exceptionIsLoggedUnderItsName) {
     Utils::createLumoraDirectoriesWithLogHandler(nullptr);
 
     EXPECT_EQ(streams.logged().back(),
-              "+[Utils createLumoraDirectoriesWithLogHandler:] : ************************ EXCEPTION "
-              "************************ \n Description :  write failed // Call Stack Symbol : [\"frame "
-              "one\",\"frame "
-              "two\"]");
+              fakes::exceptionLine("+[Utils createLumoraDirectoriesWithLogHandler:]", "write failed"));
     EXPECT_FALSE(files.folderExists(kVarlo));
 }
 

@@ -1,4 +1,4 @@
-#include "config/failing_streams.h"
+#include "fakes/failing_streams.h"
 #include "selfupdate/self_update_test.h"
 
 namespace lumora {

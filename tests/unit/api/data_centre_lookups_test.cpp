@@ -1,7 +1,7 @@
 #include "api/api_handler.h"
-#include "config/failing_streams.h"
 #include "config/session_details.h"
 #include "fakes/core_test.h"
+#include "fakes/failing_streams.h"
 
 #include <gmock/gmock.h>
 
