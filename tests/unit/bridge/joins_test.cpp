@@ -158,7 +158,7 @@ TEST_F(Joins, withAnEmptyDataCentreLookTheEmptyNameUp) {
     EXPECT_EQ(session.webServerName(), ".dev.ovratessel.example");
 }
 
-TEST_F(Joins, fromTheJoinPageWriteTheProxySettingsBeforeTheRecordIsFilled) {
+TEST_F(Joins, fromTheJoinPageGoOnWhenTheProxySettingsCannotBeWritten) {
     storeProxy();
     files.failCreateFolder("/Users/casey/Library/Logs/OvraTessel");
 
@@ -168,7 +168,7 @@ TEST_F(Joins, fromTheJoinPageWriteTheProxySettingsBeforeTheRecordIsFilled) {
         streams.printed(),
         (Lines{sharedDetailsLine("123456789"),
                "setupProxyDetails() : Unable to create the connection plist file at the desired path."}));
-    EXPECT_EQ(session.sessionKey(), "123456789"); // the failure does not stop the join
+    EXPECT_EQ(session.sessionKey(), "123456789");
     EXPECT_EQ(http.tasks.size(), 1U);
 }
 
@@ -180,6 +180,17 @@ TEST_F(Joins, fromEitherPageWriteTheProxySettings) {
     files.journal.clear();
     post("sendRRSessionKeyToNative", "123456789");
     EXPECT_EQ(files.journal, Lines{std::string("overwrite ") + kSettingsFile});
+}
+
+TEST_F(Joins, fromEitherPageWriteTheProxySettingsBeforeTheRecordIsFilled) {
+    storeProxy();
+    std::vector<SessionDetails::Text> keys;
+    propertyLists.onSerialize = [&] { keys.push_back(session.sessionKey()); };
+
+    post("sendJoinDetailsToNative", joinBody("123456789"));
+    post("sendRRSessionKeyToNative", "abcdefghi");
+
+    EXPECT_EQ(keys, (std::vector<SessionDetails::Text>{std::nullopt, "123456789"}));
 }
 
 TEST_F(Joins, fromTheJoinPageHandOverToTheAgentOnlyWhenTheCheckHasSucceeded) {

@@ -2,6 +2,7 @@
 
 #include "platform/property_list.h"
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,6 +14,7 @@ namespace lumora::fakes {
 class FakePropertyLists final : public platform::PropertyListSerialization {
   public:
     bool failSerialize = false;
+    std::function<void()> onSerialize = [] {};
 
     platform::Result<platform::PropertyListValue> parse(std::string_view bytes) override {
         const auto found = values_.find(std::string(bytes));
@@ -22,6 +24,7 @@ class FakePropertyLists final : public platform::PropertyListSerialization {
     }
 
     platform::Result<std::string> serializeXml(const platform::PropertyListValue& value) override {
+        onSerialize();
         if (failSerialize)
             return platform::Error{"NSCocoaErrorDomain", 3851, "Not serialisable.", {}};
         return tokenFor(value);
