@@ -12,8 +12,8 @@ void NativeMessageHandler::getCustomerDetails() {
     if (stored.isAbsentOrEmptyText("language"))
         stored.replace("language", "en");
     const auto json = stored.serialize();
-    reply("window.receiveCustomerDetails(" + (json ? json.value() : "") +
-          ");"); // the page waits for an answer
+    // Without a JSON form the argument is empty: the page waits for an answer.
+    reply("window.receiveCustomerDetails(" + (json ? json.value() : "") + ");");
 }
 
 void NativeMessageHandler::sendCustomerDetailsToNative(const std::string& body) {

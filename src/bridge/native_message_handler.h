@@ -17,9 +17,12 @@ namespace lumora {
 class NativeMessageHandlerDelegate {
   public:
     virtual ~NativeMessageHandlerDelegate() = default;
-    virtual void
-    executeJavaScript(const std::string& script) = 0; ///< a complete script; its result is ignored
-    virtual void updateWindowTitle(const std::string& title) = 0; ///< nothing happens without a window
+
+    /// Runs a complete script in the page; its result is ignored.
+    virtual void executeJavaScript(const std::string& script) = 0;
+
+    /// Titles the window that shows the page; nothing happens without one.
+    virtual void updateWindowTitle(const std::string& title) = 0;
 };
 
 /// Receives every script message of the join page, acts on it at once and answers with one line of script. It keeps

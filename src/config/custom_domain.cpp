@@ -42,15 +42,14 @@ void applyServiceDomain(const std::optional<Json>& representation, SessionDetail
 
 void fetchCustomDomain(SessionDetails& session) {
     log("{} : ********************** Fetching Custom Domain for session", kGetCustomDomain);
-    platform::HttpRequest
-        request; // default time-out: launch waits for a slow server rather than miss its answer
+    // With the default time-out: launch waits for a slow server rather than miss its answer.
+    platform::HttpRequest request;
     request.url = serviceDomainUrl(session);
     log("{} : Requesting URL : {}", kGetCustomDomain, render(request.url));
 
     const auto answer = platform::ports().httpSessions->sendSynchronously(request);
-    if (answer.error)
-        log("{} : Check Update failed : {}", kGetCustomDomain,
-            render(*answer.error)); // as the update checks say it
+    if (answer.error) // in the update checks' words: support staff search for them
+        log("{} : Check Update failed : {}", kGetCustomDomain, render(*answer.error));
     if (!answer.body) {
         log("{} : Error in the HTTP Request(URL: {}) : {}", kGetCustomDomain, render(request.url),
             answer.error ? answer.error->localizedDescription : kNullPlaceholder);
