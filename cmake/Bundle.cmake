@@ -6,8 +6,10 @@ set(LUMORA_BUNDLE "${CMAKE_BINARY_DIR}/${LUMORA_BUNDLE_NAME}.app")
 set(LUMORA_BUNDLE_RESOURCES
   FallbackPage.css
   FallbackPage.js
+  FallbackPageTexts.js
   MisconfigurationPage.html
-  NoInternetPage.html)
+  NoInternetPage.html
+  OvraTesselLumora.svg)
 
 # Makes an executable the bundle's main program, with its property list and resources beside it.
 function(lumora_bundle_application target)

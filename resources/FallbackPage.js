@@ -1,32 +1,42 @@
-// Puts a page's texts into the reader's language. The page itself is in English; its block "texts" holds the others:
-// language code -> key -> text, a key being the data-text attribute of the element that shows it.
+// Puts a page into the reader's language. The page itself is in English and stays so without this script; the other
+// languages are in FallbackPageTexts.js. An element's data-text attribute is the key of its text.
 "use strict";
 
-(() => {
-  const texts = JSON.parse(document.getElementById("texts").textContent);
-  const wanted = (navigator.languages || [navigator.language || "en"]).map((tag) => tag.toLowerCase().split(/[-_]/)[0]);
-  const language = wanted.find((code) => code === "en" || code in texts) || "en";
-  const translated = texts[language] || {};
+// The code of the first of the reader's languages that there are texts for: "zh-Hant-TW" looks for itself, then for
+// "zh-Hant", then for "zh". "en" when that comes first, or when there is nothing better.
+function chooseLanguage(wanted, texts) {
+  for (const tag of wanted)
+    for (const parts = tag.toLowerCase().split(/[-_]/); parts.length > 0; parts.pop()) {
+      const code = ["en", ...Object.keys(texts)].find((known) => known.toLowerCase() === parts.join("-"));
+      if (code)
+        return code;
+    }
+  return "en";
+}
 
-  document.documentElement.lang = language;
-  for (const element of document.querySelectorAll("[data-text]"))
-    if (translated[element.dataset.text])
-      element.textContent = translated[element.dataset.text];
+function translate(texts) {
+  const code = chooseLanguage(navigator.languages, texts);
+  const translation = texts[code] ?? {};
+  document.documentElement.lang = translation.language ?? code;
+  document.documentElement.dir = translation.direction ?? "ltr";
+  for (const element of document.querySelectorAll("[data-text]")) {
+    const text = translation[element.dataset.text];
+    if (text !== undefined) {
+      element.textContent = text;
+    } else { // it stays English, and says so to screen readers and to the layout
+      element.lang = "en";
+      element.dir = "ltr";
+    }
+  }
+}
 
-  // Only the offline page has a status: whether the machine has a network at all is news worth telling.
-  const status = document.querySelector(".status [data-text]");
-  if (!status)
-    return;
-  const words = {
-    retrying: translated.retrying || status.textContent,
-    noNetwork: translated.noNetwork || status.dataset.noNetwork,
-  };
-  const tell = () => {
-    const text = navigator.onLine ? words.retrying : words.noNetwork;
-    if (status.textContent !== text)
-      status.textContent = text;
-  };
-  addEventListener("online", tell);
-  addEventListener("offline", tell);
-  tell();
-})();
+// Whether the machine has a network at all is news worth telling: one of the two texts shows.
+function tellNetwork() {
+  for (const element of document.querySelectorAll("[data-network]"))
+    element.hidden = (element.dataset.network === "up") !== navigator.onLine;
+}
+
+translate(typeof fallbackPageTexts === "undefined" ? {} : fallbackPageTexts);
+tellNetwork();
+addEventListener("online", tellNetwork);
+addEventListener("offline", tellNetwork);
