@@ -166,6 +166,7 @@ TEST_F(AgentCheck, reportsFailureWhenApplyingBreaksOff) {
 
     EXPECT_THAT(answers, ElementsAre(false));
     EXPECT_THAT(streams.logged(), ElementsAre(exceptionLine(kBlock, "write failed")));
+    EXPECT_FALSE(session.isUpdateNeeded()); // the answer is logged before it is used
 }
 
 } // namespace

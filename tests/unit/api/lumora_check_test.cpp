@@ -1,4 +1,5 @@
 #include "api/update_check_test.h"
+#include "fakes/failing_streams.h"
 
 namespace lumora {
 namespace {
@@ -90,6 +91,18 @@ TEST_F(LumoraCheck, logsTheWholeAnswer) {
 
     EXPECT_THAT(streams.logged(), ElementsAre(std::string(kBlock) +
                                               R"( response :  {"other":1.5,"representation":{"update":0}})"));
+}
+
+TEST_F(LumoraCheck, logsTheAnswerBeforeItIsUsed) {
+    start();
+    fakes::FailingStreams failing(streams, 1);
+    platform::ports().standardStreams = &failing;
+
+    http.finishData(0, 200, R"({"representation":{"update":true}})");
+
+    EXPECT_THAT(answers, ElementsAre(false));
+    EXPECT_THAT(streams.logged(), ElementsAre(fakes::exceptionLine(kBlock, "write failed")));
+    EXPECT_FALSE(session.lumoraUpdateNeeded());
 }
 
 TEST_F(LumoraCheck, repairsADoubledExtension) {

@@ -23,6 +23,7 @@ class FakeWebViewHost final : public platform::WebViewHost {
     std::optional<platform::Error> scriptError; ///< reported for every script
     platform::WebViewDelegate* delegate = nullptr;
     platform::Window* currentWindow = nullptr; ///< none, as while the view is being built
+    std::function<void()> onLoad = [] {};      ///< looks around in the moment of a load
 
     std::unique_ptr<platform::WebView> makeWebView() override { return std::make_unique<View>(*this); }
     platform::Window* window() override { return currentWindow; }
@@ -41,6 +42,7 @@ class FakeWebViewHost final : public platform::WebViewHost {
         void load(const platform::PageRequest& request) override {
             owner_.journal.push_back("load " + request.url);
             owner_.requests.push_back(request);
+            owner_.onLoad();
         }
         void loadFile(const std::string& path, const std::string& folder) override {
             owner_.journal.push_back("file " + path + " reading " + folder);

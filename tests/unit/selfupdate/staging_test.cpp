@@ -61,6 +61,19 @@ TEST_F(Staging, capturesWhatTheToolPrintsOnMountOnly) {
     EXPECT_THAT(outputs, ElementsAre(platform::TaskOutput::capture, platform::TaskOutput::discard));
 }
 
+TEST_F(Staging, detachesBeforeItDeletesTheImage) {
+    bool imageThere = false;
+    tasks.onRun = [&](const auto& run, platform::TaskOutput) {
+        imageThere = run.at(1) == "detach" && files.fileExists(kImage);
+        return platform::TaskResult{0, "/Volumes/Lumora Plugin"};
+    };
+
+    updater->mountingOvraLumoraDmg();
+
+    EXPECT_TRUE(imageThere);
+    EXPECT_FALSE(files.fileExists(kImage));
+}
+
 TEST_F(Staging, replacesAnEarlierStagedBundleWhole) {
     mountWorks();
     files.putFolder(kStagedBundle);

@@ -71,6 +71,22 @@ TEST_F(JoinPage, isLoadedAgainWhenTheConnectionIsRestored) {
               std::string::npos);
 }
 
+TEST_F(JoinPage, isLoadedOnlyAfterBothChecksWhenTheConnectionIsRestored) {
+    Lines logged;
+    std::size_t requests = 0;
+    webViewHost.onLoad = [&] {
+        logged = streams.logged();
+        requests = http.tasks.size();
+    };
+
+    controller->didRestoreConnection();
+
+    ASSERT_EQ(logged.size(), 3U);
+    EXPECT_TRUE(logged[1].starts_with("-[OvraAppUpgrader ovraAppVersionCheck] : Ovra app not found"));
+    EXPECT_TRUE(logged[2].starts_with("+[ApiHandler getInstance]")); // the update check comes second
+    EXPECT_EQ(requests, 1U);
+}
+
 TEST_F(JoinPage, restorationPrintsItsLineOnlyForAGoodAnswer) {
     controller->didRestoreConnection();
     http.finishData(0, 200, "{}");

@@ -1,3 +1,4 @@
+#include "api/api_handler.h"
 #include "webhost/web_host_test.h"
 
 #include <algorithm>
@@ -37,6 +38,49 @@ TEST_F(ViewControllerTest, watchesTheJoinPagesAddressInTheEnd) {
     controller->viewDidLoad();
 
     EXPECT_EQ(probedAddresses(), Lines{"https://server.example/join?lumora_token=t"});
+}
+
+TEST_F(ViewControllerTest, isWiredAndWatchesTheBareServerWhenTheFirstLoadBegins) {
+    Lines watched;
+    webViewHost.onLoad = [&] {
+        EXPECT_EQ(webViewHost.delegate, controller.get());
+        EXPECT_EQ(NativeMessageHandler::shared().nativeMessageHandlerDelegate(), controller.get());
+        EXPECT_EQ(NetworkMonitor::shared().networkMonitorDelegate(), controller.get());
+        watched = probedAddresses();
+    };
+
+    controller->viewDidLoad();
+
+    EXPECT_EQ(watched, Lines{"server.example"});
+    EXPECT_EQ(probedAddresses(), Lines{"https://server.example/join"});
+    ASSERT_EQ(paths.made.size(), 1U);
+    EXPECT_EQ(paths.made[0]->starts, 2);
+}
+
+TEST_F(ViewControllerTest, showsTheJoinPageOfTheDefaultServerThatTheUpdateCheckSetBefore) {
+    configure(std::nullopt, "join");
+    ApiHandler::getInstance().checkLumoraUpdate([](bool) {});
+    http.tasks.clear();
+
+    controller->viewDidLoad();
+
+    EXPECT_EQ(webViewHost.journal.back(), "load https://com.ovratessel.example/join");
+    EXPECT_EQ(probedAddresses(), Lines{"https://com.ovratessel.example/join"});
+}
+
+TEST_F(ViewControllerTest, keepsTheMisconfigurationPageWhenTheDefaultServerComesAfterwards) {
+    configure(std::nullopt, "join");
+    showView();
+
+    ApiHandler::getInstance().checkLumoraUpdate([](bool) {});
+
+    EXPECT_TRUE(webViewHost.journal.empty());
+    EXPECT_TRUE(paths.made.empty());
+    EXPECT_EQ(controller->decidePolicyFor({platform::NavigationType::reload,
+                                           "file:///App/Resources/MisconfigurationPage.html", true, true}),
+              platform::NavigationPolicy::allow);
+    controller->loadJoinPageURl(); // whoever asks for the page next gets it
+    EXPECT_EQ(webViewHost.journal, Lines{"load https://com.ovratessel.example/join"});
 }
 
 TEST_F(ViewControllerTest, withoutAServerShowsTheMisconfigurationPageAndWatchesNothing) {
