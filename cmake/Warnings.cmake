@@ -9,5 +9,6 @@ endif()
 
 # GCC 12 sees impossible lengths where it inlines std::string's operators into optimised code (fixed in GCC 13).
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  target_compile_options(lumora_warnings INTERFACE -Wno-array-bounds -Wno-restrict)
+  target_compile_options(lumora_warnings INTERFACE -Wno-array-bounds -Wno-restrict
+    $<$<NOT:$<CONFIG:Debug>>:-Wno-stringop-overflow>)
 endif()
