@@ -8,7 +8,6 @@
 #include "support/exception_guard.h"
 #include "support/log.h"
 #include "support/notification_center.h"
-#include "support/paths.h"
 #include "support/rendering.h"
 #include "support/url.h"
 
@@ -22,8 +21,6 @@ constexpr const char* kGetInstance = "+[OvraLumoraUpdater getInstance]";
 constexpr const char* kCheck = "-[OvraLumoraUpdater checkOvraLumoraUpdate]";
 constexpr const char* kDownload = "-[OvraLumoraUpdater downloadLumoradmg]";
 constexpr const char* kDownloadCompletion = "-[OvraLumoraUpdater downloadLumoradmg]_block_invoke";
-
-constexpr const char* kImageName = "OvraTesselLumora.dmg";
 
 /// Where the check said that the image is; else where every web server has it.
 std::optional<std::string> imageUrl(const SessionDetails& session) {
@@ -64,13 +61,13 @@ void OvraLumoraUpdater::downloadLumoradmg() {
 
         auto request = imageRequest(imageUrl(SessionDetails::getInstance()));
         log("{} : Ovra Lumora Dmg Url : {}", kDownload, render(request.url));
-        startImageDownload(std::move(request), [self = shared_from_this(), folder](const auto& download) {
-            guarded(kDownloadCompletion, [&] { self->downloadFinished(download, folder); });
+        startImageDownload(std::move(request), [self = shared_from_this()](const auto& download) {
+            guarded(kDownloadCompletion, [&] { self->downloadFinished(download); });
         });
     });
 }
 
-void OvraLumoraUpdater::downloadFinished(const platform::HttpDownload& download, const std::string& folder) {
+void OvraLumoraUpdater::downloadFinished(const platform::HttpDownload& download) {
     if (download.error) {
         // The blank at the end is part of the line.
         log("{} : Download failed! Error - {} {} ", kDownloadCompletion, download.error->localizedDescription,
@@ -79,7 +76,7 @@ void OvraLumoraUpdater::downloadFinished(const platform::HttpDownload& download,
         NotificationCenter::defaultCenter().post(kRetryDownloadNotification, this);
         return;
     }
-    if (saveDownloadedImage(kDownloadCompletion, download, appendPathComponent(folder, kImageName)))
+    if (saveDownloadedImage(kDownloadCompletion, download, lumoraImagePath()))
         mountingOvraLumoraDmg();
 }
 

@@ -32,7 +32,7 @@ class OvraLumoraUpdater : public std::enable_shared_from_this<OvraLumoraUpdater>
     void unMountingOvraLumoraDmg();
 
   private:
-    void downloadFinished(const platform::HttpDownload& download, const std::string& folder);
+    void downloadFinished(const platform::HttpDownload& download);
 
     std::optional<std::string> latestLumoraDmgPath_; ///< mount point, as the image tool reported it
 };

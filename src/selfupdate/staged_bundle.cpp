@@ -10,6 +10,8 @@ std::string stagingFolder() {
            "/Library/Application Support/OvraLumoraNativeFolder/";
 }
 
+std::string lumoraImagePath() { return stagingFolder() + "OvraTesselLumora.dmg"; }
+
 std::mutex& stagedBundleMutex() {
     static auto* mutex = new std::mutex; // a chain may still hold it at exit
     return *mutex;

@@ -8,6 +8,9 @@ namespace lumora {
 /// The folder in which a newer bundle of this application waits for the exit; ends with a slash.
 [[nodiscard]] std::string stagingFolder();
 
+/// This application's downloaded disk image, in the same folder until its bundle is staged.
+[[nodiscard]] std::string lumoraImagePath();
+
 /// The bundle's name, staged and installed alike.
 inline constexpr const char* kLumoraBundleName = "Ovra Tessel Lumora.app";
 

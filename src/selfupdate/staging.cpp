@@ -23,8 +23,6 @@ constexpr const char* kUnmount = "-[OvraLumoraUpdater unMountingOvraLumoraDmg]";
 /// Fixed: the volume's name belongs to the image. The mount point that the tool reports serves the detach only.
 constexpr const char* kBundleOnVolume = "/Volumes/Lumora Plugin/Ovra Tessel Lumora.app";
 
-std::string imagePath() { return stagingFolder() + "OvraTesselLumora.dmg"; }
-
 bool isUtf8(const std::string& text) { return serializeJson(Json(text)).has_value(); }
 
 /// The last tab-separated field of the image tool's output; nothing when the output is no text.
@@ -58,7 +56,7 @@ void stageBundle(platform::FileManager& files, const std::string& folder) {
 
 void OvraLumoraUpdater::mountingOvraLumoraDmg() {
     try {
-        const auto result = runImageTool({"mount", imagePath()}, platform::TaskOutput::capture);
+        const auto result = runImageTool({"mount", lumoraImagePath()}, platform::TaskOutput::capture);
         if (auto mountPoint = reportedMountPoint(result.standardOutput))
             latestLumoraDmgPath_ = std::move(mountPoint);
         copyAppFile();
@@ -72,7 +70,7 @@ void OvraLumoraUpdater::copyAppFile() {
         auto& files = *platform::ports().fileManager;
         stageBundle(files, stagingFolder());
         unMountingOvraLumoraDmg();
-        const auto image = imagePath();
+        const auto image = lumoraImagePath();
         if (files.fileExists(image)) // an image left behind is replaced by the next download
             static_cast<void>(files.removeItem(image));
     });
