@@ -17,6 +17,9 @@ PRODUCT_FOLDERS = ["Applications", "Library", "Volumes"]
 # Empty in the world: sockets of the machine's services would answer for the machine, not for the world.
 EMPTY_FOLDERS = ["run", "tmp"]
 
+# A left-over of a sandbox that makes GTK keep process identifiers from the window manager.
+SANDBOX_MARK = ".flatpak-info"
+
 # The machine's default handlers: an opened link must not start a browser that happens to be installed.
 PROGRAM_ENTRIES = ["usr/share/applications", "usr/local/share/applications"]
 
@@ -121,7 +124,7 @@ def make(root, kept_paths):
     for path in [root, *kept_paths]:
         if len(path.parts) > 2 and path.parts[1] in EMPTY_FOLDERS and path.exists():
             bind(path, str(stage) + str(path))
-    mirror_top_level(stage, replaced=["etc", "proc", *PRODUCT_FOLDERS, *EMPTY_FOLDERS])
+    mirror_top_level(stage, replaced=["etc", "proc", SANDBOX_MARK, *PRODUCT_FOLDERS, *EMPTY_FOLDERS])
     for folder in PROGRAM_ENTRIES:
         if (stage / folder).is_dir():
             mount("lumora", stage / folder, "tmpfs", options="mode=755")
