@@ -1,4 +1,4 @@
-#include "platform/linux/ports/gobject_pointers.h"
+#include "platform/linux/glib_handles.h"
 #include "platform/linux/ports/linux_distributed_notifications.h"
 #include "support/eventually.h"
 #include "support/temporary_folder.h"
@@ -20,7 +20,7 @@ namespace lumora::contract {
 namespace {
 
 using platform::linux_backend::LinuxDistributedNotifications;
-using platform::linux_backend::ObjectPointer;
+using platform::linux_backend::ObjectRef;
 
 /// A session bus of the test's own.
 class Bus {
@@ -52,11 +52,11 @@ class Bus {
 class Listener {
   public:
     explicit Listener(const std::string& address)
-        : connection_(g_dbus_connection_new_for_address_sync(
+        : connection_(ObjectRef<GDBusConnection>::adopt(g_dbus_connection_new_for_address_sync(
               address.c_str(),
               static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                 G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-              nullptr, nullptr, nullptr)) {
+              nullptr, nullptr, nullptr))) {
         g_dbus_connection_signal_subscribe(connection_.get(), nullptr, nullptr, nullptr, nullptr, nullptr,
                                            G_DBUS_SIGNAL_FLAGS_NONE, &Listener::heard, this, nullptr);
         // An answered call makes sure that the bus knows the subscription.
@@ -79,12 +79,12 @@ class Listener {
                       const gchar* member, GVariant* parameters, gpointer self) {
         if (std::string(interface).starts_with("org.freedesktop."))
             return;
-        const platform::linux_backend::GText printed(g_variant_print(parameters, TRUE));
+        const platform::linux_backend::CharPointer printed(g_variant_print(parameters, TRUE));
         static_cast<Listener*>(self)->heard_ = std::string(path) + " " + interface + "." + member + " " +
                                                g_variant_get_type_string(parameters) + " " + printed.get();
     }
 
-    ObjectPointer<GDBusConnection> connection_;
+    ObjectRef<GDBusConnection> connection_;
     std::string heard_;
 };
 

@@ -1,6 +1,6 @@
 #include "page_server.h"
 
-#include "platform/linux/gui/glib_handles.h"
+#include "platform/linux/glib_handles.h"
 
 #include <algorithm>
 #include <stdexcept>

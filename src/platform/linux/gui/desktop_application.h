@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/application.h"
-#include "platform/linux/gui/glib_handles.h"
+#include "platform/linux/glib_handles.h"
 #include "platform/main_loop.h"
 
 #include <gtk/gtk.h>

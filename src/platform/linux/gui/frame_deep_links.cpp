@@ -1,6 +1,6 @@
 #include "platform/linux/gui/frame_deep_links.h"
 
-#include "platform/linux/gui/glib_handles.h"
+#include "platform/linux/glib_handles.h"
 
 namespace lumora::platform::linux_backend {
 

@@ -1,6 +1,6 @@
 #include "platform/linux/gui/gio_path_monitors.h"
 
-#include "platform/linux/gui/glib_handles.h"
+#include "platform/linux/glib_handles.h"
 
 #include <mutex>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/gui/event_tracking.h"
-#include "platform/linux/gui/glib_handles.h"
+#include "platform/linux/glib_handles.h"
 #include "platform/main_loop.h"
 
 namespace lumora::platform::linux_backend {

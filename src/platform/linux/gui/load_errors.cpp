@@ -1,6 +1,6 @@
 #include "platform/linux/gui/load_errors.h"
 
-#include "platform/linux/gui/glib_handles.h"
+#include "platform/linux/glib_handles.h"
 
 #include <fmt/format.h>
 #include <webkit/webkit.h>

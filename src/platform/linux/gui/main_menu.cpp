@@ -1,6 +1,6 @@
 #include "platform/linux/gui/main_menu.h"
 
-#include "platform/linux/gui/glib_handles.h"
+#include "platform/linux/glib_handles.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/gui/glib_handles.h"
+#include "platform/linux/glib_handles.h"
 
 #include <webkit/webkit.h>
 

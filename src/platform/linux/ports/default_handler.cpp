@@ -1,6 +1,6 @@
 #include "platform/linux/ports/default_handler.h"
 
-#include "platform/linux/ports/gobject_pointers.h"
+#include "platform/linux/glib_handles.h"
 #include "platform/posix/unique_fd.h"
 
 #include <gio/gdesktopappinfo.h>
@@ -17,8 +17,8 @@ namespace {
 using posix_backend::UniqueFd;
 
 // GIO starts from the process's environment now and takes the differences.
-ObjectPointer<GAppLaunchContext> contextFor(const posix_backend::Environment& environment) {
-    ObjectPointer<GAppLaunchContext> context(g_app_launch_context_new());
+ObjectRef<GAppLaunchContext> contextFor(const posix_backend::Environment& environment) {
+    auto context = ObjectRef<GAppLaunchContext>::adopt(g_app_launch_context_new());
     const auto isGiven = [&](const std::string& name) {
         return std::any_of(environment.begin(), environment.end(),
                            [&](const std::string& entry) { return entry.starts_with(name + '='); });
@@ -49,11 +49,11 @@ bool launch(GDesktopAppInfo* handler, const std::string& url, GAppLaunchContext*
 } // namespace
 
 bool openInDefaultHandler(const std::string& url, const posix_backend::Environment& environment) {
-    const GText scheme(g_uri_parse_scheme(url.c_str()));
+    const CharPointer scheme(g_uri_parse_scheme(url.c_str()));
     if (!scheme)
         return false;
     const auto context = contextFor(environment);
-    const ObjectPointer<GAppInfo> handler(g_app_info_get_default_for_uri_scheme(scheme.get()));
+    const auto handler = ObjectRef<GAppInfo>::adopt(g_app_info_get_default_for_uri_scheme(scheme.get()));
     if (handler && G_IS_DESKTOP_APP_INFO(handler.get()))
         return launch(G_DESKTOP_APP_INFO(handler.get()), url, context.get());
 

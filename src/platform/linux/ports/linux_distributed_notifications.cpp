@@ -1,6 +1,6 @@
 #include "platform/linux/ports/linux_distributed_notifications.h"
 
-#include "platform/linux/ports/gobject_pointers.h"
+#include "platform/linux/glib_handles.h"
 
 #include <gio/gio.h>
 
@@ -37,7 +37,7 @@ struct Message {
 // Losing a notification is not an error: every failure ends here in silence.
 void send(const Message& message, GCancellable* cancellable) {
     GError* error = nullptr;
-    const ObjectPointer<GDBusConnection> connection(g_dbus_connection_new_for_address_sync(
+    const auto connection = ObjectRef<GDBusConnection>::adopt(g_dbus_connection_new_for_address_sync(
         message.address.c_str(),
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
@@ -66,7 +66,7 @@ void LinuxDistributedNotifications::post(const std::string& name, const std::str
 
     const auto sent = std::make_shared<std::promise<void>>();
     std::future<void> done = sent->get_future();
-    const std::shared_ptr<GCancellable> cancellable(g_cancellable_new(), ObjectUnref{});
+    const std::shared_ptr<GCancellable> cancellable(g_cancellable_new(), Release<g_object_unref>{});
     std::thread([message, sent, cancellable] {
         send(message, cancellable.get());
         sent->set_value();
