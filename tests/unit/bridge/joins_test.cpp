@@ -67,11 +67,28 @@ TEST_F(Joins, fromTheJoinPageFillTheSessionRecordAndAskForTheAgentsUpdate) {
     EXPECT_TRUE(page.journal.empty());
 }
 
+TEST_F(Joins, fromTheJoinPageTakeTheEmailAsTheNameEvenBesideAStoredOne) {
+    preferences.user.emplace("name", "Casey");
+
+    post("sendJoinDetailsToNative", joinBody("123456789"));
+
+    EXPECT_EQ(session.name(), "casey@example.com");
+}
+
 TEST_F(Joins, fromTheJoinPageStoreTheKeyAsAnInteger) {
     post("sendJoinDetailsToNative", joinBody("1234567890"));
 
     EXPECT_EQ(preferences.user.at("activeSessionKey"), platform::PropertyListValue(std::int64_t{1234567890}));
     EXPECT_EQ(preferences.journal, (Lines{"set activeSessionKey", "synchronize"}));
+}
+
+TEST_F(Joins, fromTheJoinPageStoreTheKeyBeforeTheyTellOfIt) {
+    std::vector<Lines> printedAtEach;
+    preferences.onSynchronize = [&] { printedAtEach.push_back(streams.printed()); };
+
+    post("sendJoinDetailsToNative", joinBody("123456789"));
+
+    EXPECT_EQ(printedAtEach, std::vector<Lines>{Lines{}});
 }
 
 TEST_F(Joins, fromTheJoinPageTakeKeysOfNineAndTenCharacters) {
@@ -108,6 +125,7 @@ TEST_F(Joins, withRefusedKeyStillBecomesActive) {
 }
 
 TEST_F(Joins, fromTheJoinPageThatDoNotDecodeChangeNothing) {
+    storeProxy();
     const Lines bodies{"",
                        "123456789",
                        R"({"sessionKey":"123456789","email":"c"})",
@@ -268,6 +286,7 @@ TEST_F(Joins, fromTheRequestPageTakeNineOrTenCharactersOfAnyKind) {
 }
 
 TEST_F(Joins, fromTheRequestPageRefuseOtherLengths) {
+    storeProxy();
     const Lines keys{
         "", "12345678", "12345678901", "éèêë", "👩‍🚀👩‍🚀", "{\"sessionKey\":123456789}"};
     for (const auto& key : keys)

@@ -33,6 +33,16 @@ TEST_F(SessionDigest, comesBackAndEntersTheSessionRecord) {
     EXPECT_EQ(SessionDetails::getInstance().sessionDigest(), "abc");
 }
 
+TEST_F(SessionDigest, entersTheSessionRecordBeforeThePageIsAnswered) {
+    preferences.user.emplace("RRSessionDigest", "abc");
+    SessionDetails::Text atReply;
+    page.onCall = [&] { atReply = SessionDetails::getInstance().sessionDigest(); };
+
+    post("getRRSessionDigest");
+
+    EXPECT_EQ(atReply, "abc");
+}
+
 TEST_F(SessionDigest, keepsEveryByte) {
     post("sendRRSessionDigestToNative", "a\0b\nü"s);
     post("getRRSessionDigest");

@@ -1,6 +1,7 @@
 #include "config/session_details.h"
 #include "config/utils.h"
 #include "fakes/core_test.h"
+#include "fakes/failing_streams.h"
 #include "fakes/log_lines.h"
 
 #include <gmock/gmock.h>
@@ -58,6 +59,17 @@ TEST_F(CustomDomain, takesTheServersPlace) {
                 ElementsAre(kFetching, line(std::string("Requesting URL : ") + kUrl),
                             line(std::string("Request Url URL : ") + kUrl), line("Status code : 200"),
                             line(R"(Response : {"other":1,"service_domain":"help.customer.example"})")));
+}
+
+TEST_F(CustomDomain, isLoggedBeforeItIsTaken) {
+    answer(200, R"({"representation":{"service_domain":"help.customer.example"}})");
+    fakes::FailingStreams failing(streams, 5); // the line with the answer
+    platform::ports().standardStreams = &failing;
+
+    Utils::getCustomDomain();
+
+    expectUnchanged();
+    EXPECT_EQ(streams.logged().back(), fakes::exceptionLine("+[Utils getCustomDomain]", "write failed"));
 }
 
 TEST_F(CustomDomain, endsTheUrlLineOnce) {

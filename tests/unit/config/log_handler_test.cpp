@@ -203,6 +203,14 @@ TEST_F(LogPass, reopensTheStreamsOnTheLiveLogFirst) {
     EXPECT_THAT(journalAtReopen, IsEmpty());
 }
 
+TEST_F(LogPass, readsTheSizeOnceTheStreamsAreReopened) {
+    streams.onReopen = [this](const std::string& path) { files.putFile(path, full('a')); };
+
+    pass();
+
+    EXPECT_EQ(mark(0), 'a');
+}
+
 TEST_F(LogPass, exactlyTheLimitBelowIsNotRotated) {
     files.putFile(kLive, std::string(kLimit - 1, 'a'));
 
@@ -330,6 +338,18 @@ TEST_F(Rotation, startsFromTheCountThatWasSet) {
 
     EXPECT_EQ(marks(), "a-1---------");
     EXPECT_EQ(handler->logFileNameCount(), 3);
+}
+
+TEST_F(Rotation, worksOnTheSessionsFileManager) {
+    fakes::FakeFileManager otherFiles;
+    SessionDetails::getInstance().setDefaultOvraDirectoryManager(&otherFiles);
+    otherFiles.putFile(kLive, full('a'));
+
+    pass();
+
+    EXPECT_THAT(otherFiles.journal,
+                ElementsAre("copy " + kLive + " -> " + backup(0), "truncate " + kLive, "overwrite " + kLive));
+    EXPECT_THAT(files.journal, IsEmpty());
 }
 
 TEST_F(Rotation, noLineFallsBetweenCopyAndTruncation) {

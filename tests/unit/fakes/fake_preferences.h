@@ -2,6 +2,7 @@
 
 #include "platform/preferences.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -17,6 +18,7 @@ class FakePreferences final : public platform::Preferences {
     /// Every write and flush in order: "set KEY", "synchronize", "setValue DOMAIN user KEY", "flush DOMAIN system".
     std::vector<std::string> journal;
     bool throwOnRead = false; ///< lets a test reach an operation's exception guard
+    std::function<void()> onSynchronize = [] {};
 
     std::optional<platform::PropertyListValue> objectForKey(const std::string& key) override {
         if (throwOnRead)
@@ -32,7 +34,10 @@ class FakePreferences final : public platform::Preferences {
         user.insert_or_assign(key, value);
     }
 
-    void synchronize() override { journal.push_back("synchronize"); }
+    void synchronize() override {
+        journal.push_back("synchronize");
+        onSynchronize();
+    }
 
     void setValue(const std::string& key, const platform::PropertyListValue& value, const std::string& domain,
                   platform::PreferenceLevel level) override {
