@@ -6,7 +6,6 @@
 #include "bridge/standard_defaults.h"
 #include "config/session_details.h"
 #include "support/characters.h"
-#include "support/exception_guard.h"
 #include "support/log.h"
 
 namespace lumora {
@@ -31,16 +30,14 @@ void takeServerFor(const std::optional<std::string>& dc) {
     session.setWebServerName(session.plistWebServerName());
 }
 
-/// Asks for the agent's update and hands over to the agent. The answer arrives on the HTTP session's thread, where
-/// nothing may escape; every answer hands over by itself, also when joins overlap.
+/// Asks for the agent's update and hands over to the agent. The answer arrives on the HTTP session's thread, under the
+/// check's own guard; every answer hands over by itself, also when joins overlap.
 void startAgent(FailedCheck failedCheck) {
     ApiHandler::getInstance().checkOvraTesselUpdate([failedCheck](bool succeeded) {
-        guarded("handleMessageFromWebView(message:)", [=] {
-            if (succeeded)
-                OvraAppUpgrader::getInstance().ovraAppUpdater();
-            else if (failedCheck == FailedCheck::isLogged)
-                print("handleMessageFromWebView(message:) : Unable to update Ovra Tessel Agent");
-        });
+        if (succeeded)
+            OvraAppUpgrader::getInstance().ovraAppUpdater();
+        else if (failedCheck == FailedCheck::isLogged)
+            print("handleMessageFromWebView(message:) : Unable to update Ovra Tessel Agent");
     });
 }
 
