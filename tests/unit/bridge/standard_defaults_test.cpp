@@ -1,5 +1,4 @@
 #include "bridge/standard_defaults.h"
-#include "bridge/stored_values.h"
 #include "fakes/core_test.h"
 
 namespace lumora {
@@ -50,29 +49,6 @@ TEST_F(StandardDefaults, areClearedByAnEmptyStringThatHidesLowerLevels) {
 
     EXPECT_EQ(standard_defaults::stringForKey("key"), "");
     EXPECT_EQ(preferences.journal, (std::vector<std::string>{"set key", "synchronize"}));
-}
-
-TEST_F(StandardDefaults, serialiseStoredValuesWithTheirTypesInTheOrderAskedFor) {
-    preferences.user.emplace("text", "a\"b");
-    preferences.user.emplace("integer", std::int64_t{8080});
-    preferences.user.emplace("flag", true);
-    preferences.user.emplace("list", platform::PropertyListArray{"x", std::int64_t{1}});
-
-    const auto json = StoredValues({"text", "missing", "integer", "flag", "list"}).serialize();
-
-    ASSERT_TRUE(json);
-    EXPECT_EQ(json.value(), R"({"text":"a\"b","missing":null,"integer":8080,"flag":true,"list":["x",1]})");
-}
-
-TEST_F(StandardDefaults, nameTheFirstStoredValueThatJsonCannotCarry) {
-    preferences.user.emplace("a", "fine");
-    preferences.user.emplace("b", "\xff");
-    preferences.user.emplace("c", platform::PropertyListData{{1}});
-
-    const auto json = StoredValues({"a", "b", "c"}).serialize();
-
-    ASSERT_FALSE(json);
-    EXPECT_EQ(json.error().localizedDescription, "The value of b has no JSON form.");
 }
 
 } // namespace
