@@ -64,6 +64,7 @@ class EndToEndCase(unittest.TestCase):
     bare_page = True
 
     def setUp(self):
+        self._failures_before = self._failures()
         self.data_centre = _data_centre
         self.data_centre.reset()
         if self.bare_page:
@@ -84,10 +85,14 @@ class EndToEndCase(unittest.TestCase):
         if self.application is None:
             return
         alive, ended_well = self.application.running(), self.application.returncode == 0
-        if not self._outcome.success:
+        if self._failures() > self._failures_before:
             self.keep_evidence()
         self.application.kill()
         self.assertTrue(alive or ended_well, f"the application died: {self.application.returncode}")
+
+    def _failures(self):
+        result = self._outcome.result
+        return len(result.failures) + len(result.errors)
 
     def keep_evidence(self):
         picture = self.home.console.with_suffix(".png")

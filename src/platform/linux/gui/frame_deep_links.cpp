@@ -9,6 +9,9 @@ FrameDeepLinks::FrameDeepLinks(WebKitWebContext* context, const std::string& sch
     webkit_web_context_register_uri_scheme(context, scheme.c_str(), &FrameDeepLinks::requested,
                                            new SharedReceiver(receiver_),
                                            [](gpointer data) { delete static_cast<SharedReceiver*>(data); });
+    // Otherwise a frame of an https page is refused as mixed content before this is asked. Nothing is ever loaded by it.
+    webkit_security_manager_register_uri_scheme_as_secure(webkit_web_context_get_security_manager(context),
+                                                          scheme.c_str());
 }
 
 FrameDeepLinks::~FrameDeepLinks() { *receiver_ = nullptr; }

@@ -54,6 +54,8 @@ void answerPageRequestsSilently(WebKitWebView* view) {
 void applySettings(WebKitSettings* settings) {
     webkit_settings_set_javascript_can_open_windows_automatically(settings, TRUE);
     webkit_settings_set_enable_developer_extras(settings, FALSE);
+    // A page that comes back from this cache reports the requests that its leaving cut off as its own failed load.
+    webkit_settings_set_enable_page_cache(settings, FALSE);
     webkit_settings_set_enable_fullscreen(settings, FALSE);
     webkit_settings_set_hardware_acceleration_policy(settings, WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
 }

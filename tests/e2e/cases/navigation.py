@@ -1,0 +1,286 @@
+"""Where a page may go: the server's list of requests tells what was sent, and what was stopped before."""
+
+import subprocess
+import time
+
+from harness import screen, waiting
+from harness.case import (TOKEN, WEB_SERVER, EndToEndCase,
+                          set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
+
+OWN = f"https://{WEB_SERVER}/place"
+FOREIGN = "https://eu.ovratessel.example/place"
+# Guarded navigations ask only whether the server's name stands somewhere in the address.
+NAMED = f"{FOREIGN}?from={WEB_SERVER}"
+LOCAL_NAMES = ("https://eu.ovratessel.example/NoInternetPage.html",
+               "https://eu.ovratessel.example/x?MisconfigurationPage.html")
+DEEP_LINK = "ovrajoin://join/123?a=%20b"
+DEEP_LINE = "handleDeepLink(_:) : Handling deep link: "
+
+STYLE = ('<style>body { margin: 0; } .all { position: fixed; inset: 0; width: 100%; height: 100%; display: block;'
+         ' font: 4rem sans-serif; }</style>')
+HEAD = f'<!doctype html><meta charset="utf-8"><title>page</title>{STYLE}<script src="/assets/drive.js"></script>'
+# A load that is left before its end counts as a failed one.
+WHEN_COMPLETE = ("if (document.readyState !== 'complete') "
+                 "await new Promise(resolve => addEventListener('load', () => setTimeout(resolve)));")
+LOADED = '<script>window.webkit.messageHandlers.lumoraLoaded.postMessage("")</script>'
+PLACE = HEAD + "<p>Another place"
+# The script's own answer must be out before the page goes.
+HEAD_START_MS = 300
+# Long enough for the engine to ask, to be answered and to send: that nothing comes has no other sign than time.
+SETTLE_SECONDS = 0.6 + HEAD_START_MS / 1000
+
+
+class NavigationCase(EndToEndCase):
+    bare_page = False
+
+    def open(self, body=""):
+        """A fresh application on a join page with this body."""
+        self.data_centre.control("DELETE", "/behaviour")
+        self.data_centre.page(HEAD + LOADED + body)
+        self.serve("/frame", "A frame")
+        for path in ("/place", "/NoInternetPage.html", "/x"):
+            self.serve(path, PLACE)
+        self.start()
+        # Without this the wait for the launch's own requests would be left to chance.
+        self.wait_for_launch_checks()
+        self.data_centre.control("DELETE", "/requests")
+
+    def serve(self, path, body, **more):
+        self.data_centre.behave(path, status=200, body=body, content_type="text/html; charset=utf-8", **more)
+
+    def redirect(self, path, target):
+        self.data_centre.behave(path, status=302, headers={"Location": target})
+
+    def sent(self):
+        """What the view has asked for, the drive's script left out."""
+        return [f"{one['method']} https://{one['host']}{one['target']}" for one in self.data_centre.requests()
+                if not one["path"].startswith(("/assets/", "/favicon", "/api/"))]
+
+    def attempt(self, script):
+        """Runs a script that may navigate."""
+        self.page.eval(f"setTimeout(() => {{ {script} }}, {HEAD_START_MS})")
+
+    def assert_sent(self, *expected):
+        waiting.until(lambda: len(self.sent()) >= len(expected), lambda: f"{expected}, sent: {self.sent()}", 10)
+        time.sleep(SETTLE_SECONDS)
+        self.assertEqual(self.sent(), list(expected))
+
+    def assert_stays(self):
+        """Nothing was sent and the page is still there."""
+        time.sleep(SETTLE_SECONDS)
+        self.assertEqual(self.sent(), [])
+        self.assertEqual(self.page.eval("return location.pathname"), "/join")
+        self.assertEqual(self.lines_of(0, "URL NetTest"), [], "a cancelled navigation is no failed load")
+
+    def click(self):
+        window, = self.application.windows()
+        # A click on what has not been drawn yet goes nowhere.
+        waiting.until(lambda: screen.pixels(window), "the window's content")
+        subprocess.run(["wmctrl", "-i", "-a", window], check=True)
+        subprocess.run(["xdotool", "mousemove", "--window", window, "400", "400", "click", "1"], check=True)
+
+    def press_return(self):
+        window, = self.application.windows()
+        subprocess.run(["wmctrl", "-i", "-a", window], check=True)
+        self.page.eval("document.querySelector('a, button').focus()")
+        subprocess.run(["xdotool", "key", "Return"], check=True)
+
+
+class Guarded(NavigationCase):
+    """What nobody clicked for stays on the server, whose name may stand anywhere in the address."""
+
+    def test_location(self):
+        for how in ("location = '{}'", "location.assign('{}')", "location.replace('{}')"):
+            with self.subTest(how):
+                self.open()
+                self.attempt(how.format(FOREIGN))
+                self.assert_stays()
+                self.attempt(how.format(OWN))
+                self.assert_sent("GET " + OWN)
+
+    def test_the_servers_name_anywhere_will_do(self):
+        self.open()
+        self.attempt(f"location = '{NAMED}'")
+        self.assert_sent("GET " + NAMED)
+
+    def test_the_local_pages_names_will_do(self):
+        for url in LOCAL_NAMES:
+            with self.subTest(url):
+                self.open()
+                self.attempt(f"location = '{url}'")
+                self.assert_sent("GET " + url)
+
+    def test_reload(self):
+        self.open()
+        self.attempt("location.reload()")
+        self.assert_sent(f"GET https://{WEB_SERVER}/join?lumora_token={TOKEN}")
+
+    def test_reload_of_a_foreign_page(self):
+        self.open(f'<a id="link" href="{FOREIGN}">link</a>')
+        self.attempt("document.getElementById('link').click()")
+        self.assert_sent("GET " + FOREIGN)
+        self.attempt("location.reload()")
+        self.assert_sent("GET " + FOREIGN)
+        self.attempt(f"location = '{FOREIGN}?again'")
+        self.assert_sent("GET " + FOREIGN)
+
+    def test_meta_refresh(self):
+        self.open()
+        self.data_centre.page(HEAD + LOADED + f'<meta http-equiv="refresh" content="0; url={FOREIGN}">')
+        self.attempt("location.reload()")
+        self.assert_sent(f"GET https://{WEB_SERVER}/join?lumora_token={TOKEN}")
+        self.data_centre.control("DELETE", "/requests")
+        self.data_centre.page(HEAD + LOADED + f'<meta http-equiv="refresh" content="0; url={OWN}">')
+        self.attempt("location.reload()")
+        self.assert_sent(f"GET https://{WEB_SERVER}/join?lumora_token={TOKEN}", "GET " + OWN)
+
+    def test_server_redirect(self):
+        for target, follows in ((FOREIGN, False), (OWN, True), (NAMED, True)):
+            with self.subTest(target):
+                self.open()
+                self.redirect("/away", target)
+                self.attempt("location = '/away'")
+                self.assert_sent(*[f"GET https://{WEB_SERVER}/away", "GET " + target][:2 if follows else 1])
+
+    def test_a_frames_top_location(self):
+        for how in ("top.location = '{}'", "parent.location.replace('{}')"):
+            with self.subTest(how):
+                self.open("<iframe></iframe>")
+                self.attempt("document.querySelector('iframe').src = '/frame'")
+                self.assert_sent(f"GET https://{WEB_SERVER}/frame")
+                self.data_centre.control("DELETE", "/requests")
+                self.attempt(f"frames[0].eval(\"{how.format(FOREIGN)}\")")
+                self.assert_stays()
+
+
+class Free(NavigationCase):
+    """What the customer asks for, and frames, may go anywhere."""
+
+    def test_link_clicked_and_by_keyboard(self):
+        for how in (self.click, self.press_return):
+            with self.subTest(how.__name__):
+                self.open(f'<a class="all" href="{FOREIGN}">link</a>')
+                how()
+                self.assert_sent("GET " + FOREIGN)
+
+    def test_forms(self):
+        for method in ("GET", "POST"):
+            for how in (self.click, lambda: self.attempt("document.forms[0].submit()")):
+                with self.subTest(method):
+                    self.open(f'<form method="{method}" action="{FOREIGN}"><button class="all">go</button></form>')
+                    how()
+                    self.assert_sent(f"{method} {FOREIGN}" + ("?" if method == "GET" else ""))
+
+    def test_back_and_forward(self):
+        self.open(f'<a class="all" href="{FOREIGN}">link</a>')
+        self.click()
+        self.assert_sent("GET " + FOREIGN)
+        for step, path in (("back", "/join"), ("forward", "/place")):
+            before = self.page.loads()
+            self.attempt(f"history.{step}()")
+            waiting.until(lambda: self.page.loads() > before, f"the page after going {step}")
+            self.assertEqual(self.page.eval(WHEN_COMPLETE + "return location.pathname"), path)
+        self.assertEqual(self.lines_of(0, "URL NetTest"), [])
+
+    def test_frames_go_anywhere(self):
+        self.open()
+        frame = "https://eu.ovratessel.example/frame"
+        self.redirect("/away", frame + "?redirected")
+        self.attempt(f"document.body.insertAdjacentHTML('beforeend', '<iframe src=\"{frame}?source\"></iframe>')")
+        self.assert_sent(f"GET {frame}?source")
+        self.attempt(f"frames[0].location = '{frame}?script'")
+        self.assert_sent(f"GET {frame}?source", f"GET {frame}?script")
+        self.data_centre.control("DELETE", "/requests")
+        self.attempt("document.querySelector('iframe').src = '/away'")
+        self.assert_sent(f"GET https://{WEB_SERVER}/away", f"GET {frame}?redirected")
+        self.assertEqual(self.page.eval("return location.pathname"), "/join")
+        self.data_centre.control("DELETE", "/requests")
+        # And the page itself is guarded as before.
+        self.attempt(f"location = '{FOREIGN}'")
+        self.assert_stays()
+
+
+class NewWindows(NavigationCase):
+    """They open in the same view, as a load of the host's own: guarded."""
+
+    def test_script_without_and_with_a_gesture(self):
+        for target, expected in ((OWN, ["GET " + OWN]), (FOREIGN, [])):
+            body = f'<button class="all" onclick="window.open(\'{target}\')">open</button>'
+            for how in (lambda url=target: self.attempt(f"window.open('{url}')"), self.click):
+                with self.subTest(target):
+                    self.open(body)
+                    how()
+                    self.assert_sent(*expected) if expected else self.assert_stays()
+                    self.assertEqual(len(self.application.windows()), 1)
+
+    def test_links(self):
+        for target, expected in ((OWN, ["GET " + OWN]), (FOREIGN, [])):
+            with self.subTest(target):
+                self.open(f'<a class="all" target="_blank" href="{target}">link</a>')
+                self.click()
+                self.assert_sent(*expected) if expected else self.assert_stays()
+                self.assertEqual(len(self.application.windows()), 1)
+
+    def test_forms(self):
+        # The engine cannot be given a method or a body to load: the address is asked for.
+        for method, suffix in (("GET", "?"), ("POST", "")):
+            for target, expected in ((OWN, [f"GET {OWN}{suffix}"]), (FOREIGN, [])):
+                with self.subTest(f"{method} {target}"):
+                    self.open(f'<form method="{method}" action="{target}" target="_blank">'
+                              '<button class="all">go</button></form>')
+                    self.click()
+                    self.assert_sent(*expected) if expected else self.assert_stays()
+                    self.assertEqual(len(self.application.windows()), 1)
+
+
+class DeepLinks(NavigationCase):
+    def register(self):
+        """A handler of the scheme, as an installed application registers one."""
+        self.opened = self.home.path / "opened"
+        script = self.home.path / "handler"
+        script.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$1\" >> '{self.opened}'\n", encoding="utf-8")
+        script.chmod(0o755)
+        folder = self.home.path / ".local/share/applications"
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / "joiner.desktop").write_text(
+            f"[Desktop Entry]\nType=Application\nName=Joiner\nExec={script} %u\n"
+            "MimeType=x-scheme-handler/ovrajoin;\n", encoding="utf-8")
+        (folder / "mimeapps.list").write_text("[Default Applications]\nx-scheme-handler/ovrajoin=joiner.desktop\n",
+                                              encoding="utf-8")
+
+    def handed_on(self):
+        return self.opened.read_text(encoding="utf-8").splitlines() if self.opened.exists() else []
+
+    def test_link_is_handed_to_its_application(self):
+        self.register()
+        for body in (f'<a class="all" href="{DEEP_LINK}">join</a>',
+                     f'<a class="all" target="_blank" href="{DEEP_LINK}">join</a>'):
+            with self.subTest(body):
+                self.opened.unlink(missing_ok=True)
+                self.open(body)
+                self.click()
+                waiting.until(self.handed_on, "the handler's start")
+                self.assert_stays()
+                self.assertEqual(self.handed_on(), [DEEP_LINK])
+                self.assertEqual(self.lines_of(self.started, DEEP_LINE), [DEEP_LINE + DEEP_LINK])
+
+    def test_frame_hands_it_on_too(self):
+        self.register()
+        self.open()
+        self.attempt(f"document.body.insertAdjacentHTML('beforeend', '<iframe src=\"{DEEP_LINK}\"></iframe>')")
+        waiting.until(self.handed_on, "the handler's start")
+        self.assert_stays()
+        self.assertEqual(self.handed_on(), [DEEP_LINK])
+
+    def test_script_of_the_page_is_guarded(self):
+        self.register()
+        self.open()
+        self.attempt(f"location = '{DEEP_LINK}'")
+        self.assert_stays()
+        self.assertEqual((self.handed_on(), self.lines_of(0, DEEP_LINE)), ([], []))
+
+    def test_without_an_application_nothing_happens(self):
+        self.open(f'<a class="all" href="{DEEP_LINK}">join</a>')
+        self.click()
+        self.log.wait_for(DEEP_LINE + DEEP_LINK)
+        self.assert_stays()
