@@ -1,6 +1,7 @@
 #include "platform/linux/gui/linux_backend.h"
 #include "platform/linux/gui/main_menu.h"
 #include "platform/linux/gui/rendering.h"
+#include "platform/linux/gui/tls_versions.h"
 #include "shell/app_delegate.h"
 #include "webhost/view_controller.h"
 
@@ -40,6 +41,7 @@ struct RunningApplication {
 int main(int argc, char** argv) {
     auto childEnvironment = platform::posix_backend::currentEnvironment();
     preferSoftwareRendering();
+    refuseOldTls();
 
     // Never destroyed: work on other threads may still use them when the process ends.
     auto& backend = *new LinuxBackend({argv + 1, argv + argc}, std::move(childEnvironment));
