@@ -60,6 +60,8 @@ class APage:
     def test_has_pictures_as_decoration(self):
         for image in self.root.find("img"):
             self.assertEqual("", image.attributes.get("alt"))
+            # The engine tells a drawing's own label in spite of an empty alternative.
+            self.assertEqual("true", image.attributes.get("aria-hidden"))
         for drawing in self.root.find("svg"):
             self.assertEqual("true", drawing.attributes.get("aria-hidden"))
 
