@@ -9,7 +9,8 @@ set(LUMORA_BUNDLE_RESOURCES
   FallbackPageTexts.js
   MisconfigurationPage.html
   NoInternetPage.html
-  OvraTesselLumora.svg)
+  OvraTesselLumora.svg
+  uninstall_lumora.sh)
 
 # Makes an executable the bundle's main program, with its property list and resources beside it.
 function(lumora_bundle_application target)
