@@ -226,18 +226,30 @@ is_program() {
         (-n $HOME_FOLDER && $1 == "$USER_BUNDLE/Contents/MacOS/$NAME") ]]
 }
 
+# Neither ended nor waiting for its parent to notice.
+lives() {
+    if [[ $SYSTEM == Darwin ]]; then
+        kill -0 "$1" 2>/dev/null
+    else
+        [[ -e /proc/$1/exe ]]
+    fi
+}
+
 stop_running() {
-    local process round
-    for process in $(running); do
+    local processes process round
+    processes=$(running)
+    for process in $processes; do
         kill -TERM "$process" 2>/dev/null && printf 'Asked process %s to end\n' "$process"
     done
-    round=0
-    while [[ -n $(running) && $round -lt 100 ]]; do
-        sleep 0.1
-        round=$((round + 1))
-    done
-    for process in $(running); do
-        kill -KILL "$process" 2>/dev/null && printf 'Ended process %s\n' "$process"
+    for process in $processes; do
+        round=0
+        while lives "$process" && [[ $round -lt 100 ]]; do
+            sleep 0.1
+            round=$((round + 1))
+        done
+        if lives "$process" && kill -KILL "$process" 2>/dev/null; then
+            printf 'Ended process %s\n' "$process"
+        fi
     done
 }
 
@@ -438,8 +450,10 @@ clear_system() {
 
 # These belong to the whole machine: who may not write them leaves them, and that is no failure.
 clear_system_preferences() {
-    local file=$1/$DOMAIN.plist package
-    package=$(package_of "$file")
+    local file=$1/$DOMAIN.plist package=''
+    if [[ -e $file ]]; then
+        package=$(package_of "$file")
+    fi
     if [[ -n $package ]]; then
         printf 'Left %s, which belongs to the Debian package %s\n' "$file" "$package"
     elif [[ -w $1 ]]; then
