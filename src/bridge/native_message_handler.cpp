@@ -20,6 +20,8 @@ template <class... Cases>
 struct Overloaded : Cases... {
     using Cases::operator()...;
 };
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>; // clang deduces it by itself only from version 17 on
 
 } // namespace
 

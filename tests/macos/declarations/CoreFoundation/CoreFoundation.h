@@ -1,0 +1,34 @@
+// What the macOS sources use of Core Foundation, as its headers declare it.
+#pragma once
+
+#include <os/availability.h>
+
+#define CF_BRIDGED_TYPE(type) __attribute__((objc_bridge(type)))
+#define CF_RETURNS_RETAINED __attribute__((cf_returns_retained))
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef unsigned char Boolean;
+typedef const void* CFTypeRef;
+typedef const CF_BRIDGED_TYPE(id) void* CFPropertyListRef;
+typedef const struct CF_BRIDGED_TYPE(NSString) __CFString* CFStringRef;
+typedef struct CF_BRIDGED_TYPE(NSError) __CFError* CFErrorRef;
+typedef const struct CF_BRIDGED_TYPE(NSNumber) __CFBoolean* CFBooleanRef;
+typedef unsigned long CFTypeID;
+
+CFTypeID CFGetTypeID(CFTypeRef value);
+CFTypeID CFBooleanGetTypeID(void);
+
+extern const CFStringRef kCFPreferencesAnyUser;
+extern const CFStringRef kCFPreferencesCurrentUser;
+extern const CFStringRef kCFPreferencesAnyHost;
+
+void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID,
+                           CFStringRef userName, CFStringRef hostName);
+Boolean CFPreferencesSynchronize(CFStringRef applicationID, CFStringRef userName, CFStringRef hostName);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,9 @@
+// Foundation, with what the headers of this system lack.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include_next <Foundation/Foundation.h>
+#include <Foundation/FoundationAdditions.h>
+#include <Foundation/URLSession.h>
+#include <dispatch/dispatch.h>
+#include <os/availability.h>

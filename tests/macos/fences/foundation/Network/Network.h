@@ -1,0 +1,1 @@
+#error "foundation/ links Foundation alone"

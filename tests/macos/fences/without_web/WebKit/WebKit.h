@@ -1,0 +1,1 @@
+#error "only web/ and the composition root know WebKit"

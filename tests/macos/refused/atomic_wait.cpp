@@ -1,0 +1,3 @@
+#include <atomic>
+
+void call(std::atomic<int>& value) { value.wait(0); }

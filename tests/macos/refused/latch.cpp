@@ -1,0 +1,3 @@
+#include <latch>
+
+void call(std::latch& latch) { latch.arrive_and_wait(); }

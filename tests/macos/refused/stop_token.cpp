@@ -1,0 +1,3 @@
+#include <thread>
+
+void call() { std::jthread thread([] {}); }

@@ -1,0 +1,3 @@
+#import <Foundation/Foundation.h>
+
+void call(NSString* text) { [text stringByAppendingNothing:@""]; }

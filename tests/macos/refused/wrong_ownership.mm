@@ -1,0 +1,3 @@
+#import <Foundation/Foundation.h>
+
+NSString* call(CFTypeRef text) { return (NSString*)text; }

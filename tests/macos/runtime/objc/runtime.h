@@ -1,0 +1,9 @@
+// The opaque types that the Foundation headers name.
+#pragma once
+
+#include <objc/objc.h>
+
+typedef struct objc_method* Method;
+typedef struct objc_ivar* Ivar;
+typedef struct objc_category* Category;
+typedef struct objc_property* objc_property_t;
