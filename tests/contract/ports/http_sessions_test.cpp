@@ -308,6 +308,16 @@ TEST_F(HttpSessionsContract, nothingOfOneAnswerReturnsInTheNextRequest) {
         EXPECT_THAT(heads, Not(HasSubstr(word)));
 }
 
+TEST_F(HttpSessionsContract, aSessionUsesNoConnectionOfAnother) {
+    const TestServer server([](Connection& client, const std::string&) { client.answer("kept open"); });
+    constexpr int kSessions = 3;
+
+    for (int session = 0; session < kSessions; ++session)
+        EXPECT_EQ("kept open", data(get(server.url())).body);
+
+    EXPECT_EQ(kSessions, server.connections());
+}
+
 TEST_F(HttpSessionsContract, completionsOfASessionRunOneAfterTheOtherOnOneThread) {
     constexpr int kTasks = 30;
     const TestServer server([](Connection& client, const std::string& head) { client.answer(pathOf(head)); });

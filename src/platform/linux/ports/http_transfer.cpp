@@ -137,6 +137,9 @@ void HttpTransfer::configure(const HttpTransferSettings& settings) {
     set(handle, CURLOPT_NOSIGNAL, 1L);
     set(handle, CURLOPT_QUICK_EXIT, 1L); // a name look-up that hangs does not hold the others
     set(handle, CURLOPT_TCP_KEEPALIVE, 1L);
+    // A session's connections are its own, and sessions here send one request: what another one left open may lead to a
+    // network that is no longer there, or past a certificate that this one has yet to judge.
+    set(handle, CURLOPT_FORBID_REUSE, 1L);
     set(handle, CURLOPT_BUFFERSIZE, kBufferSize);
     set(handle, CURLOPT_WRITEFUNCTION, &HttpTransfer::receiveBody);
     set(handle, CURLOPT_WRITEDATA, static_cast<void*>(this));

@@ -116,6 +116,11 @@ void TestServer::serve(int socket) {
     connection.close();
 }
 
+int TestServer::connections() const {
+    const std::lock_guard lock(mutex_);
+    return static_cast<int>(sockets_.size());
+}
+
 std::string TestServer::url(const std::string& path, const std::string& host) const {
     return fmt::format("{}://{}:{}{}", context_ == nullptr ? "http" : "https", host, port_, path);
 }

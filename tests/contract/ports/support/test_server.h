@@ -60,6 +60,9 @@ class TestServer {
     /// How many requests came so far.
     [[nodiscard]] int requests() const { return requests_; }
 
+    /// How many connections they came over.
+    [[nodiscard]] int connections() const;
+
   private:
     void serve(int socket);
 
@@ -68,7 +71,7 @@ class TestServer {
     int listener_ = -1;
     int port_ = 0;
     std::atomic<int> requests_ = 0;
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::vector<int> sockets_;
     std::vector<std::thread> threads_;
     std::thread acceptor_;
