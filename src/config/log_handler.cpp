@@ -25,11 +25,14 @@ platform::FileManager& fileManager() { return *SessionDetails::getInstance().def
 
 } // namespace
 
+std::string LogHandler::logFolder() {
+    // Joined as text: the doubled slash is one separator to the file system.
+    return platform::ports().fileManager->libraryDirectory() + "/Logs/" + "/OvraTessel/OvraLumora/";
+}
+
 void LogHandler::createOvraLumoraLogFolder() {
     guarded(kCreateLogFolder, [this] {
-        const auto library = platform::ports().fileManager->libraryDirectory();
-        // Joined as text: the doubled slash is one separator to the file system.
-        setOvraLumoraLogFolder(library + "/Logs/" + "/OvraTessel/OvraLumora/");
+        setOvraLumoraLogFolder(logFolder());
         if (const auto created = fileManager().createDirectoryWithIntermediates(ovraLumoraLogFolder_))
             log("{} Ovra Lumora Log Folder Created...", kCreateLogFolder);
         else

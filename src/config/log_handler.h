@@ -13,6 +13,9 @@ namespace lumora {
 /// Main thread. Made with std::make_shared: its timer shares it.
 class LogHandler : public std::enable_shared_from_this<LogHandler> {
   public:
+    /// Where the log files lie, with a trailing slash. Known before the folder is made.
+    [[nodiscard]] static std::string logFolder();
+
     /// Sets and creates the log folder, makes one rotation pass and starts the timer.
     void createOvraLumoraLogFolder();
 

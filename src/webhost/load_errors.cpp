@@ -10,14 +10,6 @@
 
 namespace lumora {
 
-namespace {
-
-bool isOfLocalPage(const platform::Error& error) {
-    return error.failingUrl && error.failingUrl->starts_with("file:") && namesLocalPage(*error.failingUrl);
-}
-
-} // namespace
-
 void ViewController::didFailProvisionalNavigation(const platform::Error& error) { handleWebViewError(error); }
 
 void ViewController::didFailNavigation(const platform::Error& error) {
@@ -32,7 +24,7 @@ void ViewController::didFailServerTrust(const platform::Error& error) {
 
 void ViewController::handleWebViewError(const platform::Error& error) {
     // A local page that failed would fail again at once: it is left alone, and nothing is reloaded over it.
-    const bool showsPages = !isOfLocalPage(error);
+    const bool showsPages = !(error.failingUrl && isLocalPage(*error.failingUrl));
     if (!isWebServerConfigured()) {
         print("handleWebViewError(_:) : webServerName is null or empty — showing misconfiguration page "
               "instead of retrying.");

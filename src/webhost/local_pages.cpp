@@ -13,4 +13,6 @@ bool namesLocalPage(std::string_view url) {
     });
 }
 
+bool isLocalPage(std::string_view url) { return url.starts_with("file:") && namesLocalPage(url); }
+
 } // namespace lumora

@@ -3,7 +3,9 @@
 #include "api/network_monitor.h"
 #include "bridge/native_message_handler.h"
 #include "platform/web_view.h"
+#include "webhost/revival_limit.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -11,12 +13,15 @@ namespace lumora {
 
 /// The content of the application's only window: decides which page it shows, answers the web view's questions, and
 /// connects the page with the bridge and the network monitor. It caches nothing: every operation reads the session
-/// record afresh. Its sources: join_page.cpp, navigation_policy.cpp, load_errors.cpp, deep_links.cpp. Main thread.
+/// record afresh. Its sources: join_page.cpp, navigation_policy.cpp, load_errors.cpp, process_loss.cpp,
+/// deep_links.cpp. Main thread.
 class ViewController final : public platform::WebViewDelegate,
                              public NativeMessageHandlerDelegate,
                              public NetworkMonitorDelegate {
   public:
-    ViewController() = default;
+    using Clock = RevivalLimit::Clock;
+
+    explicit ViewController(std::function<Clock::time_point()> now = &Clock::now) : now_(std::move(now)) {}
     ~ViewController() override;
     ViewController(const ViewController&) = delete;
     ViewController& operator=(const ViewController&) = delete;
@@ -36,6 +41,10 @@ class ViewController final : public platform::WebViewDelegate,
 
     /// Any failed load, whatever its reason: one reload attempt, the offline page, and the monitor watches.
     void handleWebViewError(const platform::Error& error);
+
+    /// The process that showed this address has died, and the view is blank: a failed load, but a local page comes back
+    /// by itself unless its process keeps dying.
+    void webContentProcessDidTerminate(const std::string& url);
 
     /// Hands an address of the service's own scheme to the operating system.
     void handleDeepLink(const std::string& url);
@@ -63,6 +72,8 @@ class ViewController final : public platform::WebViewDelegate,
 
     std::unique_ptr<platform::WebView> webView_;
     bool reloadAttempted_ = false; ///< the failed load has had its one reload
+    std::function<Clock::time_point()> now_;
+    RevivalLimit revivals_;
 };
 
 } // namespace lumora
