@@ -1,0 +1,105 @@
+"""A server that is lost while the join page stands, in every way that a server can be, and then back."""
+
+from harness import waiting
+from harness.case import TOKEN, set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
+from harness.weather import (DID_FAIL, JOIN_URL, NET_TEST, PAGE, PROBE_SECONDS, RESTORED, SILENT_PAGE, TEN_PROBES,
+                             WeatherCase)
+
+FAILED = NET_TEST + JOIN_URL
+
+
+class Watched(WeatherCase):
+    """Behind a page that never says that it has loaded: the monitor goes on, and it alone decides."""
+
+    join_page = SILENT_PAGE
+
+    def settle(self):
+        self.start()
+        # The first good probe restores once more.
+        waiting.until(lambda: len(self.loads()) == 2, "the first restoration's load")
+        self.log.wait_for(RESTORED)
+        self.page.wait_until_loaded()
+        self.shows("join")
+
+    def test_good_weather_is_probed_every_two_seconds_and_left_alone(self):
+        self.settle()
+        self.forget_requests()
+        self.watch_probes("join")
+        self.assertEqual(self.loads(), [])
+        for probe in self.probes():
+            self.assertEqual((probe["method"], probe["target"]), ("GET", f"/join?lumora_token={TOKEN}"))
+        self.assertEqual(self.weather_lines(), [RESTORED])
+        self.tell("good weather, page does not say that it has loaded", "join", [], **self.counts())
+
+    def lost_and_back(self, weather, lose, watch):
+        with self.subTest(weather):
+            mark = self.log.mark()
+            lose()
+            self.forget_requests()
+            self.shows("offline")
+            watch()
+            self.assertEqual(self.loads(), [], "nobody reloads while the server is out of reach")
+            self.assertEqual(self.weather_lines(mark), [])
+            self.tell(weather, "offline", [], **self.counts())
+            self.good_again()
+            self.comes_back(weather, mark, [])
+
+    def status(self, status):
+        return lambda: self.data_centre.behave("/join", status=status, headers={"Location": "/elsewhere"})
+
+    def test_only_200_counts_as_there(self):
+        self.settle()
+        self.lost_and_back("server stops", self.server_down, lambda: self.watch(TEN_PROBES, "offline"))
+        self.lost_and_back("503", self.status(503), lambda: self.watch_probes("offline"))
+        for status in (302, 204):
+            self.lost_and_back(str(status), self.status(status), lambda: self.watch_probes("offline", probes=2))
+        self.lost_and_back("probes are reset", lambda: self.data_centre.behave("/join", reset=True),
+                           lambda: self.watch_probes("offline", probes=2))
+
+
+class Loaded(WeatherCase):
+    """Behind a page that has said that it has loaded: nobody watches, until one of its loads fails."""
+
+    def test_a_loaded_page_outlives_the_server(self):
+        self.start()
+        self.shows("join")
+        self.assertEqual(len(self.loads()), 1)
+        self.server_down()
+        self.watch(2 * PROBE_SECONDS, "join")
+        self.good_again()
+        self.watch(PROBE_SECONDS, "join")
+        self.assertEqual((self.join_requests(), self.weather_lines()), ([], []))
+        self.tell("server stops behind a loaded page, and is back", "join", [], **self.counts())
+
+    def fails_and_comes_back(self, weather, spoil, lines):
+        with self.subTest(weather):
+            self.page.wait_until_loaded()
+            # Prepared first: a page cannot be driven in bad weather.
+            self.page.eval("setTimeout(() => location.href = '/join?again', 2000)")
+            mark = self.log.mark()
+            self.forget_requests()
+            spoil()
+            self.log.wait_for(FAILED, mark)
+            self.shows("offline")
+            self.assertLessEqual(len(self.reload_attempts()), 1)
+            self.assertEqual(self.weather_lines(mark), lines)
+            self.tell(weather, "offline", lines, **self.counts())
+            self.data_centre.page(PAGE)
+            self.good_again()
+            self.comes_back(weather, mark, lines)
+
+    def reload_attempts(self):
+        """Loads of the page's own address: the failing load has another."""
+        return [one for one in self.loads() if one["target"] == f"/join?lumora_token={TOKEN}"]
+
+    def break_off(self):
+        self.data_centre.page(PAGE + "<p>more</p>" * 20000)
+        self.data_centre.behave("/join", truncate_at=100000, reset=True)
+
+    def test_a_load_that_fails_shows_the_offline_page_and_is_made_good(self):
+        self.start()
+        self.fails_and_comes_back("reset before the page", lambda: self.data_centre.behave("/join", reset=True),
+                                  [FAILED])
+        self.fails_and_comes_back("reset amid the page", self.break_off,
+                                  [DID_FAIL + "The network connection was lost.", FAILED])
+        self.fails_and_comes_back("server stops before a load", self.server_down, [FAILED])
