@@ -48,6 +48,10 @@ class WebViewDelegate {
     /// The server's certificate failed the system's trust evaluation; the load is cancelled after this call and then
     /// reported as a failed provisional navigation.
     virtual void didFailServerTrust(const Error& error) = 0;
+
+    /// The process that showed the page at this address, or was to show it, has died: the view is blank. No other report
+    /// follows. The address is empty when there was no page.
+    virtual void webContentProcessDidTerminate(const std::string& url) = 0;
 };
 
 /// The window's web view. Main thread only.

@@ -42,10 +42,6 @@ class ViewController final : public platform::WebViewDelegate,
     /// Any failed load, whatever its reason: one reload attempt, the offline page, and the monitor watches.
     void handleWebViewError(const platform::Error& error);
 
-    /// The process that showed this address has died, and the view is blank: a failed load, but a local page comes back
-    /// by itself unless its process keeps dying.
-    void webContentProcessDidTerminate(const std::string& url);
-
     /// Hands an address of the service's own scheme to the operating system.
     void handleDeepLink(const std::string& url);
 
@@ -64,6 +60,9 @@ class ViewController final : public platform::WebViewDelegate,
     void didFailNavigation(const platform::Error& error) override;
     void createWebViewFor(const platform::NavigationAction& action) override;
     void didFailServerTrust(const platform::Error& error) override;
+
+    /// A failed load; but a local page comes back by itself, unless its process keeps dying.
+    void webContentProcessDidTerminate(const std::string& url) override;
 
   private:
     [[nodiscard]] platform::WebView& webView(); ///< its absence is a programming error and stops the process

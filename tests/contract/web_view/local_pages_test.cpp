@@ -126,12 +126,15 @@ TEST_F(LocalPages, aMissingLocalPageFailsUnderItsAddress) {
     EXPECT_TRUE(address.ends_with("/Missing.html")) << address;
 }
 
-TEST_F(LocalPages, aLocalPageWhoseProcessDiesIsShownAgain) {
+TEST_F(LocalPages, aLocalPageWhoseProcessDiesMayBeShownAgainAtOnce) {
+    delegate.onLostPage = [this] { view.loadFile(page(), folder_.string()); };
     showLocal();
     run("document.title = 'before'");
     ASSERT_TRUE(waitForTitle("before"));
     webkit_web_view_terminate_web_process(view.widget());
     ASSERT_TRUE(waitForTitle("offline"));
+    ASSERT_EQ(delegate.lostPages.size(), 1U);
+    EXPECT_TRUE(delegate.lostPages.front().ends_with("/Offline.html")) << delegate.lostPages.front();
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 

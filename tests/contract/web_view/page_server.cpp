@@ -21,6 +21,18 @@ int portOf(SoupServer* server) {
     return port;
 }
 
+void answerHalf(SoupServerMessage* message, const std::string& html) {
+    const std::string text =
+        "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nContent-Length: " + std::to_string(2 * html.size()) +
+        "\r\n\r\n" + html;
+    const auto connection = ObjectRef<GIOStream>::adopt(soup_server_message_steal_connection(message));
+    GError* error = nullptr;
+    g_output_stream_write_all(g_io_stream_get_output_stream(connection.get()), text.data(), text.size(),
+                              nullptr, nullptr, &error);
+    expectNone(error);
+    g_io_stream_close(connection.get(), nullptr, nullptr);
+}
+
 } // namespace
 
 PageServer::PageServer(Protocol protocol)
@@ -55,6 +67,10 @@ void PageServer::redirect(const std::string& path, const std::string& target) {
 
 void PageServer::hang(const std::string& path) { answers_[path] = {Answer::Kind::hang, ""}; }
 
+void PageServer::cutOff(const std::string& path, const std::string& html) {
+    answers_[path] = {Answer::Kind::cutOff, html};
+}
+
 std::string PageServer::url(const std::string& path, const std::string& host) const {
     return scheme_ + "://" + host + ":" + std::to_string(port_) + path;
 }
@@ -84,6 +100,9 @@ void PageServer::answer(SoupServer*, SoupServerMessage* message, const char* pat
         break;
     case Answer::Kind::hang:
         soup_server_message_pause(message);
+        break;
+    case Answer::Kind::cutOff:
+        answerHalf(message, answer.text);
         break;
     }
 }

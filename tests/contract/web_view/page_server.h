@@ -21,6 +21,7 @@ class PageServer {
     void page(const std::string& path, const std::string& html);
     void redirect(const std::string& path, const std::string& target);
     void hang(const std::string& path); ///< takes the request and never answers
+    void cutOff(const std::string& path, const std::string& html); ///< announces more than this, and closes
 
     /// The address of a path on the host of that name, which is this machine.
     [[nodiscard]] std::string url(const std::string& path, const std::string& host = "localhost") const;
@@ -30,7 +31,7 @@ class PageServer {
 
   private:
     struct Answer {
-        enum class Kind { page, redirect, hang } kind;
+        enum class Kind { page, redirect, hang, cutOff } kind;
         std::string text;
     };
 

@@ -52,6 +52,12 @@ void RecordingDelegate::didFailServerTrust(const Error& error) {
     events.emplace_back("trust");
 }
 
+void RecordingDelegate::webContentProcessDidTerminate(const std::string& url) {
+    lostPages.push_back(url);
+    if (onLostPage)
+        onLostPage();
+}
+
 ViewTest::ViewTest() : window_(gtk_window_new()) {
     view.setDelegate(&delegate);
     view.addScriptMessageHandler("value");

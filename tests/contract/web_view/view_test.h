@@ -33,7 +33,9 @@ class RecordingDelegate final : public WebViewDelegate {
     std::vector<Error> provisionalFailures, failures, trustFailures;
     std::vector<std::string> events; ///< the failures' kinds, in order
     std::function<NavigationPolicy(const NavigationAction&)> policy;
+    std::vector<std::string> lostPages; ///< of processes that died
     std::function<void()> onFailure;
+    std::function<void()> onLostPage;
     std::function<void(const NavigationAction&)> onNewWindow;
 
     void didReceiveScriptMessage(const ScriptMessage& message) override;
@@ -42,6 +44,7 @@ class RecordingDelegate final : public WebViewDelegate {
     void didFailNavigation(const Error& error) override;
     void createWebViewFor(const NavigationAction& action) override;
     void didFailServerTrust(const Error& error) override;
+    void webContentProcessDidTerminate(const std::string& url) override;
 
     [[nodiscard]] std::size_t reportedFailures() const {
         return provisionalFailures.size() + failures.size();

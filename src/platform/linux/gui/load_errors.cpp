@@ -16,7 +16,6 @@ constexpr const char* kTrustDomain = "NSOSStatusErrorDomain";
 
 constexpr int kTimedOut = -1001;
 constexpr int kAnyCode = -1;
-constexpr int kContentProcessTerminated = 2;
 constexpr int kScriptExceptionOccurred = 4;
 
 struct Counterpart {
@@ -107,10 +106,6 @@ Error loadError(const GError& error, const std::string& failingUrl) {
 
 Error timedOutError(const std::string& failingUrl) {
     return {kUrlDomain, kTimedOut, kTimedOutText, failingUrl};
-}
-
-Error processTerminatedError(const std::string& url) {
-    return {kViewDomain, kContentProcessTerminated, "The Web Content process was terminated.", url};
 }
 
 Error serverTrustError(GTlsCertificateFlags flags, const std::string& host) {

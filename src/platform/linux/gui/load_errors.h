@@ -15,9 +15,6 @@ namespace lumora::platform::linux_backend {
 /// The load's time ran out before the page answered.
 [[nodiscard]] Error timedOutError(const std::string& failingUrl);
 
-/// The page's process ended by itself or was killed.
-[[nodiscard]] Error processTerminatedError(const std::string& url);
-
 /// What the trust evaluation says of a certificate that it rejects.
 [[nodiscard]] Error serverTrustError(GTlsCertificateFlags flags, const std::string& host);
 

@@ -3,18 +3,12 @@
 #include "platform/linux/gui/load_errors.h"
 #include "platform/linux/gui/page_requests.h"
 
-#include <string_view>
-
 namespace lumora::platform::linux_backend {
 
 namespace {
 
 /// Always: the engine's own error page would replace what the host shows next.
 constexpr gboolean kHandled = TRUE;
-
-constexpr int kMostRevivals = 3;
-
-bool isLocal(std::string_view uri) { return uri.starts_with("file:"); }
 
 std::string hostOf(const std::string& uri) {
     const std::unique_ptr<GUri, Release<g_uri_unref>> parsed(
@@ -187,19 +181,8 @@ void WebKitView::processTerminated(WebKitWebView*, WebKitWebProcessTerminationRe
     self->committed_.clear();
     self->timeout_.reset();
     self->tracker_.reset();
-    if (!isLocal(lost) || !self->revive(lost))
-        self->reportFailure(processTerminatedError(lost));
-}
-
-// A local page is what a failure shows: it comes back by itself, unless its process keeps dying.
-bool WebKitView::revive(const std::string& localPage) {
-    if (localPage != revived_)
-        revivals_ = 0;
-    revived_ = localPage;
-    if (++revivals_ > kMostRevivals)
-        return false;
-    startLoad(requestFor(localPage).get());
-    return true;
+    if (self->delegate_ != nullptr)
+        self->delegate_->webContentProcessDidTerminate(lost);
 }
 
 void WebKitView::reportProvisionalFailure(const Error& error) {

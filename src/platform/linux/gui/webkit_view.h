@@ -45,7 +45,6 @@ class WebKitView final : public WebView {
     void startLoad(WebKitURIRequest* request);
     void stopLoad();
     void timedOut(std::string uri);
-    [[nodiscard]] bool revive(const std::string& localPage);
     [[nodiscard]] bool isPageFailure(LoadTracker::FailureKind kind, const std::string& uri);
     void reportProvisionalFailure(const Error& error);
     void reportFailure(const Error& error);
@@ -59,8 +58,6 @@ class WebKitView final : public WebView {
     SignalConnections signals_;
     std::unique_ptr<Timer> timeout_; ///< from the host's load until its page is shown
     std::string committed_;          ///< the address of the page that stands; empty: none
-    std::string revived_;            ///< the local page that was shown again after its process had died
-    int revivals_ = 0;               ///< how often that was done
 };
 
 } // namespace lumora::platform::linux_backend
