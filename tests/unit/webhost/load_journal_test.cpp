@@ -1,0 +1,147 @@
+#include "webhost/load_journal.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace lumora {
+namespace {
+
+using Failure = LoadJournal::Failure;
+
+class LoadJournals : public ::testing::Test {
+  protected:
+    // What an engine names navigations by; only their identity counts.
+    std::array<char, 4> names{};
+    LoadJournal::Navigation first = &names[0], second = &names[1], third = &names[2];
+    LoadJournal journal;
+
+    void hostLoadsAndBegins(LoadJournal::Navigation navigation, const std::string& address) {
+        journal.hostLoads(navigation, address);
+        journal.policyDecided(address, true);
+        journal.started(navigation);
+    }
+    void stands(LoadJournal::Navigation navigation, const std::string& address) {
+        hostLoadsAndBegins(navigation, address);
+        journal.committed(navigation, address);
+    }
+};
+
+TEST_F(LoadJournals, aFailedLoadOfTheHostIsThePages) {
+    hostLoadsAndBegins(first, "https://one/");
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, aFailureAfterTheFirstBytesIsThePages) {
+    stands(first, "https://one/");
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, aLoadThatThePageBeganMayFailToo) {
+    stands(first, "https://one/");
+    journal.policyDecided("https://link/", true);
+    journal.started(second);
+    EXPECT_TRUE(journal.failed(second, Failure::other));
+}
+
+TEST_F(LoadJournals, aLoadThatAnotherOfTheHostReplacesIsNoFailure) {
+    hostLoadsAndBegins(first, "https://one/");
+    hostLoadsAndBegins(second, "file:///page");
+    EXPECT_FALSE(journal.failed(first, Failure::other));
+    EXPECT_TRUE(journal.failed(second, Failure::other));
+}
+
+TEST_F(LoadJournals, aLoadThatTheHostReplacedBeforeItBeganIsNoFailureWhenItBeginsLate) {
+    journal.hostLoads(first, "https://one/");
+    journal.hostLoads(second, "file:///page");
+    journal.started(first);
+    EXPECT_FALSE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, thePagesOwnLoadThatTheHostReplacesIsNoFailure) {
+    stands(first, "https://one/");
+    journal.started(second);
+    hostLoadsAndBegins(third, "https://three/");
+    EXPECT_FALSE(journal.failed(second, Failure::other));
+}
+
+TEST_F(LoadJournals, aPageThatStillLoadsWhenTheHostReplacesItHasNotFailed) {
+    stands(first, "https://one/");
+    hostLoadsAndBegins(second, "https://two/");
+    EXPECT_FALSE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, aLoadThatThePolicyRefusesReplacesNothing) {
+    stands(first, "https://one/");
+    journal.hostLoads(second, "https://foreign/");
+    journal.policyDecided("https://foreign/", false);
+    EXPECT_EQ(journal.awaited(), "");
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, whatThePolicyCancelledHasNotFailed) {
+    hostLoadsAndBegins(first, "https://one/");
+    journal.policyDecided("https://redirected/", false);
+    EXPECT_FALSE(journal.failed(first, Failure::interruptedByPolicy));
+}
+
+TEST_F(LoadJournals, whatAnyoneElseInterruptedHasFailed) {
+    hostLoadsAndBegins(first, "https://download/");
+    EXPECT_TRUE(journal.failed(first, Failure::interruptedByPolicy));
+}
+
+TEST_F(LoadJournals, aCancelOfThePolicyExcusesNothingThatBeginsLater) {
+    stands(first, "https://one/");
+    journal.policyDecided("https://foreign/", false);
+    journal.started(second);
+    EXPECT_TRUE(journal.failed(second, Failure::interruptedByPolicy));
+}
+
+TEST_F(LoadJournals, aPolicysCancelExcusesNoOtherKindOfFailure) {
+    hostLoadsAndBegins(first, "https://one/");
+    journal.policyDecided("https://frame-of-it/", false);
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, whatTheHostGivesUpHasNotFailed) {
+    stands(first, "file:///page");
+    hostLoadsAndBegins(second, "https://one/");
+    journal.hostWithdraws();
+    EXPECT_EQ(journal.awaited(), "");
+    EXPECT_EQ(journal.standing(), "file:///page");
+    EXPECT_FALSE(journal.failed(second, Failure::other));
+}
+
+TEST_F(LoadJournals, tellWhatIsAwaitedAndWhatStands) {
+    hostLoadsAndBegins(first, "https://one/");
+    EXPECT_EQ(journal.awaited(), "https://one/");
+    EXPECT_EQ(journal.standing(), "");
+    journal.committed(first, "https://one/after-redirect");
+    EXPECT_EQ(journal.awaited(), "");
+    EXPECT_EQ(journal.standing(), "https://one/after-redirect");
+    hostLoadsAndBegins(second, "https://two/");
+    EXPECT_TRUE(journal.failed(second, Failure::other));
+    EXPECT_EQ(journal.awaited(), "");
+    EXPECT_EQ(journal.standing(), "https://one/after-redirect");
+}
+
+TEST_F(LoadJournals, aNameThatComesAgainIsANewNavigation) {
+    hostLoadsAndBegins(first, "https://one/");
+    stands(second, "file:///page"); // the first never reports its end
+    hostLoadsAndBegins(first, "https://one/");
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, aDeadProcessLosesTheAwaitedPageOrTheOneThatStood) {
+    EXPECT_EQ(journal.processEnded(), "");
+    stands(first, "file:///page");
+    hostLoadsAndBegins(second, "https://one/");
+    EXPECT_EQ(journal.processEnded(), "https://one/");
+    EXPECT_EQ(journal.standing(), "");
+    EXPECT_FALSE(journal.failed(second, Failure::other)) << "one report is enough";
+    stands(third, "file:///page");
+    EXPECT_EQ(journal.processEnded(), "file:///page");
+}
+
+} // namespace
+} // namespace lumora
