@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/application.h"
+#include "platform/menu.h"
+
+#include <memory>
+
+namespace lumora::platform::macos_backend {
+
+/// The shared application object.
+class AppKitApplication final : public Application {
+  public:
+    AppKitApplication();
+    ~AppKitApplication() override;
+
+    /// Callable from any thread. The delegate is the request's sender.
+    void terminate() override;
+
+    [[nodiscard]] Menu* mainMenu() override;
+
+  private:
+    std::unique_ptr<Menu> mainMenu_;
+};
+
+} // namespace lumora::platform::macos_backend

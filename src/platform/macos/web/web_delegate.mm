@@ -1,0 +1,126 @@
+#include "platform/macos/web/web_delegate.h"
+
+#include "platform/macos/foundation/text.h"
+
+#import <Security/Security.h>
+
+using namespace lumora;
+using namespace lumora::platform;
+using macos_backend::errorOf;
+using macos_backend::textOf;
+
+namespace {
+
+// The engine's headers name neither.
+NSString* const kWebKitErrorDomain = @"WebKitErrorDomain";
+constexpr NSInteger kFrameLoadInterruptedByPolicyChange = 102;
+
+static_assert(WKNavigationTypeLinkActivated == static_cast<int>(NavigationType::linkActivated) &&
+              WKNavigationTypeFormResubmitted == static_cast<int>(NavigationType::formResubmitted));
+
+NavigationAction describe(WKNavigationAction* action) {
+    const bool isOther = action.navigationType == WKNavigationTypeOther;
+    NSURL* url = action.request.URL;
+    // A load that the host asked for may come without a source frame: it is the target's own.
+    WKFrameInfo* source = action.sourceFrame != nil ? action.sourceFrame : action.targetFrame;
+    return {isOther ? NavigationType::other : static_cast<NavigationType>(action.navigationType),
+            url == nil ? std::nullopt : std::optional(textOf(url.absoluteString)), source.mainFrame == YES,
+            action.targetFrame != nil};
+}
+
+LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge const void*)navigation; }
+
+} // namespace
+
+@implementation LumoraWebDelegate
+
+- (void)userContentController:(WKUserContentController*)controller
+      didReceiveScriptMessage:(WKScriptMessage*)message {
+    if (host == nullptr)
+        return;
+    ScriptMessage received{textOf(message.name), std::nullopt};
+    NSString* body = [message.body isKindOfClass:[NSString class]] ? message.body : nil;
+    if ([body canBeConvertedToEncoding:NSUTF8StringEncoding])
+        received.stringBody = textOf(body);
+    host->didReceiveScriptMessage(received);
+}
+
+- (void)webView:(WKWebView*)webView
+    decidePolicyForNavigationAction:(WKNavigationAction*)action
+                    decisionHandler:(void (^)(WKNavigationActionPolicy))decisionHandler {
+    const NavigationAction asked = describe(action);
+    const bool allowed = host->decidePolicyFor(asked) == NavigationPolicy::allow;
+    if (action.targetFrame.mainFrame)
+        journal.policyDecided(asked.url.value_or(""), allowed);
+    decisionHandler(allowed ? WKNavigationActionPolicyAllow : WKNavigationActionPolicyCancel);
+}
+
+- (WKWebView*)webView:(WKWebView*)webView
+    createWebViewWithConfiguration:(WKWebViewConfiguration*)configuration
+               forNavigationAction:(WKNavigationAction*)action
+                    windowFeatures:(WKWindowFeatures*)windowFeatures {
+    windowRequest = action.request;
+    host->createWebViewFor(describe(action));
+    windowRequest = nil;
+    return nil;
+}
+
+- (void)webView:(WKWebView*)webView didStartProvisionalNavigation:(WKNavigation*)navigation {
+    journal.started(nameOf(navigation));
+}
+
+- (void)webView:(WKWebView*)webView didCommitNavigation:(WKNavigation*)navigation {
+    journal.committed(nameOf(navigation), textOf(webView.URL.absoluteString));
+}
+
+- (void)webView:(WKWebView*)webView
+    didFailProvisionalNavigation:(WKNavigation*)navigation
+                       withError:(NSError*)error {
+    if (const auto failure = [self failureOf:navigation withError:error])
+        host->didFailProvisionalNavigation(*failure);
+}
+
+- (void)webView:(WKWebView*)webView didFailNavigation:(WKNavigation*)navigation withError:(NSError*)error {
+    if (const auto failure = [self failureOf:navigation withError:error])
+        host->didFailNavigation(*failure);
+}
+
+/// The failure to report; absent when it is not the page's.
+- (std::optional<Error>)failureOf:(WKNavigation*)navigation withError:(NSError*)error {
+    const std::string awaited = journal.awaited();
+    const bool interrupted = error.code == kFrameLoadInterruptedByPolicyChange &&
+                             [error.domain isEqualToString:kWebKitErrorDomain];
+    if (!journal.failed(nameOf(navigation), interrupted ? LoadJournal::Failure::interruptedByPolicy
+                                                        : LoadJournal::Failure::other))
+        return std::nullopt;
+    Error failure = errorOf(error);
+    if (!failure.failingUrl && !awaited.empty())
+        failure.failingUrl = awaited;
+    return failure;
+}
+
+- (void)webViewWebContentProcessDidTerminate:(WKWebView*)webView {
+    host->webContentProcessDidTerminate(journal.processEnded());
+}
+
+- (void)webView:(WKWebView*)webView
+    didReceiveAuthenticationChallenge:(NSURLAuthenticationChallenge*)challenge
+                    completionHandler:
+                        (void (^)(NSURLSessionAuthChallengeDisposition, NSURLCredential*))completionHandler {
+    NSURLProtectionSpace* space = challenge.protectionSpace;
+    SecTrustRef trust = space.serverTrust;
+    if (![space.authenticationMethod isEqualToString:NSURLAuthenticationMethodServerTrust] ||
+        trust == nullptr) {
+        completionHandler(NSURLSessionAuthChallengePerformDefaultHandling, nil);
+        return;
+    }
+    CFErrorRef failure = nullptr;
+    if (SecTrustEvaluateWithError(trust, &failure)) {
+        completionHandler(NSURLSessionAuthChallengeUseCredential, [NSURLCredential credentialForTrust:trust]);
+        return;
+    }
+    host->didFailServerTrust(errorOf((__bridge_transfer NSError*)failure));
+    completionHandler(NSURLSessionAuthChallengeCancelAuthenticationChallenge, nil);
+}
+
+@end

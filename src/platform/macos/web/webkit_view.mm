@@ -1,0 +1,97 @@
+#include "platform/macos/web/webkit_view.h"
+
+#include "platform/macos/addresses.h"
+#include "platform/macos/foundation/objc_exceptions.h"
+#include "platform/macos/web/web_delegate.h"
+
+namespace lumora::platform::macos_backend {
+
+namespace {
+
+bool isFile(const std::string& address, NSURL* file) {
+    NSURL* url = addressFrom(address);
+    return url.fileURL && [url.path isEqualToString:file.path];
+}
+
+class WebKitView final : public WebView {
+  public:
+    explicit WebKitView(WKWebView* view) : view_(view) {}
+    ~WebKitView() override { setDelegate(nullptr); }
+    WebKitView(const WebKitView&) = delete;
+    WebKitView& operator=(const WebKitView&) = delete;
+
+    void addScriptMessageHandler(const std::string& name) override {
+        atPort([&] { [messages() addScriptMessageHandler:engineDelegate_ name:nsString(name)]; });
+    }
+
+    void removeScriptMessageHandler(const std::string& name) override {
+        atPort([&] { [messages() removeScriptMessageHandlerForName:nsString(name)]; });
+    }
+
+    void setDelegate(WebViewDelegate* delegate) override {
+        engineDelegate_->host = delegate;
+        view_.UIDelegate = delegate == nullptr ? nil : engineDelegate_;
+        view_.navigationDelegate = delegate == nullptr ? nil : engineDelegate_;
+    }
+
+    void load(const PageRequest& request) override {
+        atPort([&] {
+            NSURLRequestCachePolicy policy = request.cachePolicy == HttpCachePolicy::returnCacheDataElseLoad
+                                                 ? NSURLRequestReturnCacheDataElseLoad
+                                                 : NSURLRequestUseProtocolCachePolicy;
+            NSURLRequest* asked =
+                [NSURLRequest requestWithURL:addressFrom(request.url)
+                                 cachePolicy:policy
+                             timeoutInterval:static_cast<NSTimeInterval>(request.timeout.count())];
+            // What a page asks a window for is loaded as it was asked: method, body and headers.
+            NSURLRequest* ofWindow = engineDelegate_->windowRequest;
+            if (ofWindow != nil && textOf(ofWindow.URL.absoluteString) == request.url)
+                asked = ofWindow;
+            begun([view_ loadRequest:asked]);
+        });
+    }
+
+    void loadFile(const std::string& path, const std::string& readAccessFolder) override {
+        atPort([&] {
+            NSURL* file = [NSURL fileURLWithPath:nsString(path)];
+            if (isFile(engineDelegate_->journal.awaited(), file))
+                return;
+            if (isFile(engineDelegate_->journal.standing(), file)) {
+                engineDelegate_->journal
+                    .hostWithdraws(); // the page stays; what was to replace it does not come
+                [view_ stopLoading];
+                return;
+            }
+            begun([view_ loadFileURL:file
+                allowingReadAccessToURL:[NSURL fileURLWithPath:nsString(readAccessFolder) isDirectory:YES]]);
+        });
+    }
+
+    void evaluateJavaScript(const std::string& script,
+                            std::function<void(std::optional<Error>)> completion) override {
+        atPort([&] {
+            [view_ evaluateJavaScript:nsString(script)
+                    completionHandler:^(id, NSError* error) {
+                        completion(error == nil ? std::nullopt : std::optional(errorOf(error)));
+                    }];
+        });
+    }
+
+  private:
+    WKUserContentController* messages() const { return view_.configuration.userContentController; }
+
+    void begun(WKNavigation* navigation) {
+        // From now on the view tells the address in the engine's own form.
+        engineDelegate_->journal.hostLoads((__bridge const void*)navigation,
+                                           textOf(view_.URL.absoluteString));
+    }
+
+    WKWebView* view_;
+    LumoraWebDelegate* engineDelegate_ = [[LumoraWebDelegate alloc] init];
+};
+
+} // namespace
+
+std::unique_ptr<WebView> portOver(WKWebView* view) { return std::make_unique<WebKitView>(view); }
+
+} // namespace lumora::platform::macos_backend
