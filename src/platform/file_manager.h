@@ -38,7 +38,8 @@ class FileManager {
     /// Refuses an existing destination; on failure nothing is left at the destination.
     virtual Result<void> copyItem(const std::string& source, const std::string& destination) = 0;
 
-    /// Removes a file, link or folder with all it holds; a link's target is never touched.
+    /// Removes a file, link or folder with all it holds; a link's target is never touched. A folder that may not be
+    /// removed stays whole.
     virtual Result<void> removeItem(const std::string& path) = 0;
 
     /// Creates the file with these bytes, replacing a file that stands there.

@@ -1,6 +1,7 @@
 #include "platform/linux/ports/file_attributes.h"
 #include "platform/linux/ports/file_contents.h"
 #include "platform/linux/ports/file_tree.h"
+#include "platform/linux/ports/temporary_sibling.h"
 #include "platform/posix/posix_error.h"
 #include "platform/posix/unique_fd.h"
 
@@ -34,52 +35,56 @@ struct Entry {
 
 Result<void> copyEntry(const Entry& source, const Entry& destination);
 
-Result<void> copyLink(const Entry& source, const Entry& destination, const struct stat& status) {
+Result<std::string> linkTarget(const Entry& link) {
     std::string target(PATH_MAX, '\0');
-    const ssize_t length = ::readlinkat(source.folder, source.name.c_str(), target.data(), target.size());
+    const ssize_t length = ::readlinkat(link.folder, link.name.c_str(), target.data(), target.size());
     if (length < 0)
-        return posixError(errno, source.path);
+        return posixError(errno, link.path);
     target.resize(static_cast<std::size_t>(length));
-    if (::symlinkat(target.c_str(), destination.folder, destination.name.c_str()) != 0)
-        return posixError(errno, destination.path);
+    return target;
+}
+
+Result<void> copyLinkTimes(const struct stat& status, const Entry& destination) {
     const timespec times[2] = {status.st_atim, status.st_mtim};
     if (::utimensat(destination.folder, destination.name.c_str(), times, AT_SYMLINK_NOFOLLOW) != 0)
         return posixError(errno, destination.path);
     return {};
 }
 
-Result<void> copyFile(const Entry& source, const Entry& destination) {
+Result<void> copyLink(const Entry& source, const Entry& destination, const struct stat& status) {
+    const auto target = linkTarget(source);
+    if (!target)
+        return target.error();
+    if (::symlinkat(target.value().c_str(), destination.folder, destination.name.c_str()) != 0)
+        return posixError(errno, destination.path);
+    return copyLinkTimes(status, destination);
+}
+
+/// Copies into a new file, open as `to`.
+Result<void> fillFile(const Entry& source, int to, const std::string& destinationPath) {
     const UniqueFd from(
         ::openat(source.folder, source.name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!from || ::fstat(from.get(), &status) != 0)
         return posixError(errno, source.path);
-    const UniqueFd to(::openat(destination.folder, destination.name.c_str(),
-                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!to)
-        return posixError(errno, destination.path);
-    if (const int error = copyContents(from.get(), to.get()); error != 0)
-        return posixError(error, destination.path);
-    const int error = copyAttributes(from.get(), to.get(), status);
-    return error == 0 ? Result<void>() : posixError(error, destination.path);
+    if (const int error = copyContents(from.get(), to); error != 0)
+        return posixError(error, destinationPath);
+    const int error = copyAttributes(from.get(), to, status);
+    return error == 0 ? Result<void>() : posixError(error, destinationPath);
 }
 
-Result<void> copyFolder(const Entry& source, const Entry& destination) {
+/// Copies into a new folder, open as `to`. The copy's own mode comes last: a read-only folder could not be filled.
+Result<void> fillFolder(const Entry& source, int to, const Entry& destination) {
     const UniqueFd from(
         ::openat(source.folder, source.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
     if (!from || ::fstat(from.get(), &status) != 0)
         return posixError(errno, source.path);
-    // The copy's own mode comes last: a read-only folder could not be filled.
-    if (::mkdirat(destination.folder, destination.name.c_str(), S_IRWXU) != 0)
-        return posixError(errno, destination.path);
-    const UniqueFd to(::openat(destination.folder, destination.name.c_str(),
-                               O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     const int listing = ::openat(from.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(listing >= 0 ? ::fdopendir(listing) : nullptr,
                                                       &::closedir);
-    if (!to || !entries)
-        return posixError(errno, destination.path);
+    if (!entries)
+        return posixError(errno, source.path);
 
     for (;;) {
         errno = 0;
@@ -91,12 +96,25 @@ Result<void> copyFolder(const Entry& source, const Entry& destination) {
         const std::string_view name = entry->d_name;
         if (name == "." || name == "..")
             continue;
-        if (auto copied = copyEntry(source.inside(from.get(), name), destination.inside(to.get(), name));
-            !copied)
+        if (auto copied = copyEntry(source.inside(from.get(), name), destination.inside(to, name)); !copied)
             return copied;
     }
-    const int error = copyAttributes(from.get(), to.get(), status);
+    const int error = copyAttributes(from.get(), to, status);
     return error == 0 ? Result<void>() : posixError(error, destination.path);
+}
+
+Result<void> copyFile(const Entry& source, const Entry& destination) {
+    const UniqueFd to(::openat(destination.folder, destination.name.c_str(),
+                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    return to ? fillFile(source, to.get(), destination.path) : posixError(errno, destination.path);
+}
+
+Result<void> copyFolder(const Entry& source, const Entry& destination) {
+    if (::mkdirat(destination.folder, destination.name.c_str(), S_IRWXU) != 0)
+        return posixError(errno, destination.path);
+    const UniqueFd to(::openat(destination.folder, destination.name.c_str(),
+                               O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    return to ? fillFolder(source, to.get(), destination) : posixError(errno, destination.path);
 }
 
 Result<void> copyEntry(const Entry& source, const Entry& destination) {
@@ -117,8 +135,26 @@ Result<void> copyEntry(const Entry& source, const Entry& destination) {
 
 } // namespace
 
-Result<void> copyTree(const std::string& source, const std::string& destination) {
-    return copyEntry({AT_FDCWD, source, source}, {AT_FDCWD, destination, destination});
+Result<void> copyTree(const std::string& sourcePath, TemporarySibling& aside) {
+    const Entry source{AT_FDCWD, sourcePath, sourcePath};
+    struct stat status {};
+    if (::lstat(sourcePath.c_str(), &status) != 0)
+        return posixError(errno, sourcePath);
+    if (S_ISLNK(status.st_mode)) {
+        const auto target = linkTarget(source);
+        if (!target)
+            return target.error();
+        if (const int error = aside.createLink(target.value()); error != 0)
+            return posixError(error, aside.path());
+        return copyLinkTimes(status, {AT_FDCWD, aside.path(), aside.path()});
+    }
+    if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))
+        return posixError(ENOTSUP, sourcePath);
+    const int to = S_ISDIR(status.st_mode) ? aside.createFolder() : aside.createFile(S_IRUSR | S_IWUSR);
+    if (to < 0)
+        return posixError(errno, aside.path());
+    return S_ISDIR(status.st_mode) ? fillFolder(source, to, {AT_FDCWD, aside.path(), aside.path()})
+                                   : fillFile(source, to, aside.path());
 }
 
 } // namespace lumora::platform::linux_backend

@@ -12,7 +12,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <utility>
@@ -52,17 +51,22 @@ bool liesInside(const std::string& destination, const std::string& source) {
     return !folder.empty() && (canonical(parentOf(destination)) + '/').starts_with(folder + '/');
 }
 
-// Renames to a path where nothing may stand.
-int renameIntoPlace(const std::string& from, const std::string& to) {
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
-        return 0;
-    if (errno != EINVAL && errno != ENOSYS)
-        return errno;
-    // A file system without that operation: look, then rename.
-    struct stat status {};
-    if (::lstat(to.c_str(), &status) == 0)
-        return EEXIST;
-    return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+/// Whether the entry may not be taken out of its folder; other errors say only that renaming is not the way.
+bool isRefusal(int error) { return error == EACCES || error == EPERM || error == EBUSY || error == EROFS; }
+
+/// The folder disappears in one step, or stays as it is when something in it cannot be removed.
+Result<void> removeFolder(const std::string& path) {
+    if (::rmdir(path.c_str()) == 0)
+        return {};
+    if (const int obstacle = findRemovalObstacle(path); obstacle != 0)
+        return posixError(obstacle, path);
+    TemporarySibling aside(path);
+    if (const int error = aside.takeAway(); error != 0)
+        return isRefusal(error) ? posixError(error, path) : removeTree(path);
+    Result<void> removed = removeTree(aside.path());
+    if (!removed)
+        aside.giveBack();
+    return removed;
 }
 
 /// Opens an existing regular file, never waiting for the other end of a pipe.
@@ -129,22 +133,25 @@ Result<void> LinuxFileManager::copyItem(const std::string& source, const std::st
     if (::lstat(to.value().c_str(), &status) == 0)
         return posixError(EEXIST, destination);
 
-    const std::string aside = temporarySiblingOf(to.value());
+    TemporarySibling aside(to.value());
     Result<void> copied = copyTree(from.value(), aside);
     if (copied) {
-        if (const int error = renameIntoPlace(aside, to.value()); error != 0)
+        if (const int error = aside.placeIfFree(); error != 0)
             copied = posixError(error, destination);
-    }
-    if (!copied && ::lstat(aside.c_str(), &status) == 0) {
-        if (auto removed = removeTree(aside); !removed)
-            return removed;
     }
     return copied;
 }
 
 Result<void> LinuxFileManager::removeItem(const std::string& path) {
     const auto place = resolved(path);
-    return place ? removeTree(place.value()) : place.error();
+    if (!place)
+        return place.error();
+    std::string entry = place.value();
+    while (entry.size() > 1 && entry.ends_with('/')) // a link that ends in a slash is the link itself
+        entry.pop_back();
+    struct stat status {};
+    const bool isRealFolder = ::lstat(entry.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return isRealFolder ? removeFolder(entry) : removeTree(entry);
 }
 
 Result<void> LinuxFileManager::createFile(const std::string& path, std::string_view contents,
@@ -152,22 +159,19 @@ Result<void> LinuxFileManager::createFile(const std::string& path, std::string_v
     const auto place = resolved(path);
     if (!place)
         return place.error();
-    const std::string aside = temporarySiblingOf(place.value());
     const auto mode = static_cast<mode_t>(attributes.posixPermissions.value_or(kDefaultFileMode));
-    const UniqueFd file(::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
-    if (!file)
+    TemporarySibling aside(place.value());
+    const int file = aside.createFile(mode);
+    if (file < 0)
         return posixError(errno, path);
     int error = 0;
-    if (attributes.posixPermissions && ::fchmod(file.get(), mode) != 0) // the umask does not count
+    if (attributes.posixPermissions && ::fchmod(file, mode) != 0) // the umask does not count
         error = errno;
     if (error == 0)
-        error = writeAll(file.get(), contents);
-    if (error == 0 && ::rename(aside.c_str(), place.value().c_str()) != 0)
-        error = errno;
+        error = writeAll(file, contents);
     if (error == 0)
-        return {};
-    ::unlink(aside.c_str());
-    return posixError(error, path);
+        error = aside.place();
+    return error == 0 ? Result<void>() : posixError(error, path);
 }
 
 Result<std::string> LinuxFileManager::readFile(const std::string& path) {

@@ -154,16 +154,11 @@ bool PreferenceFile::moveDamagedFileAside() const {
 }
 
 bool PreferenceFile::write(const std::string& bytes) const {
-    const std::string aside = temporarySiblingOf(path_);
-    const UniqueFd file(
-        ::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!file)
+    TemporarySibling aside(path_);
+    const int file = aside.createFile(S_IRUSR | S_IWUSR);
+    if (file < 0 || ::fchmod(file, mode_) != 0 || writeAll(file, bytes) != 0 || ::fsync(file) != 0 ||
+        aside.place() != 0)
         return false;
-    if (::fchmod(file.get(), mode_) != 0 || writeAll(file.get(), bytes) != 0 || ::fsync(file.get()) != 0 ||
-        ::rename(aside.c_str(), path_.c_str()) != 0) {
-        ::unlink(aside.c_str());
-        return false;
-    }
     // The new name is on disk only with its folder.
     const UniqueFd folder(
         ::open(std::filesystem::path(path_).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

@@ -1,6 +1,9 @@
 #include "platform/linux/ports/temporary_file.h"
 
+#include "platform/linux/ports/abandoned_entries.h"
 #include "platform/linux/ports/file_contents.h"
+
+#include <fmt/format.h>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -14,16 +17,32 @@ namespace lumora::platform::linux_backend {
 
 namespace {
 
+constexpr std::string_view kPrefix = "lumora-download-";
+constexpr std::string_view kPattern = "XXXXXX";
+constexpr int kAttempts = 100; // each fails only when another process sweeps the folder at that very moment
+
 std::string temporaryFolder() {
     std::error_code missing;
     const std::filesystem::path folder = std::filesystem::temp_directory_path(missing);
     return missing ? "/tmp" : folder.string();
 }
 
+bool isOurs(std::string_view name) {
+    return name.size() == kPrefix.size() + kPattern.size() && name.starts_with(kPrefix);
+}
+
 } // namespace
 
-TemporaryFile::TemporaryFile() : path_(temporaryFolder() + "/lumora-download-XXXXXX") {
-    file_.reset(::mkostemp(path_.data(), O_CLOEXEC));
+TemporaryFile::TemporaryFile() {
+    const std::string folder = temporaryFolder();
+    removeAbandonedEntries(folder, isOurs);
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        path_ = fmt::format("{}/{}{}", folder, kPrefix, kPattern);
+        file_.reset(::mkostemp(path_.data(), O_CLOEXEC));
+        if (!file_ || holdNewEntry(file_.get(), path_))
+            return;
+    }
+    file_.reset();
 }
 
 TemporaryFile::TemporaryFile(TemporaryFile&& other) noexcept

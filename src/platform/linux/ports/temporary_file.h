@@ -7,7 +7,8 @@
 
 namespace lumora::platform::linux_backend {
 
-/// A new file in the temporary folder that only the user may read; gone with its last owner.
+/// A new file in the temporary folder that only the user may read; gone with its last owner. A process that is killed
+/// leaves it; the same user's next one removes it.
 class TemporaryFile {
   public:
     /// Opens it for writing; `isOpen` tells whether that worked.
