@@ -47,7 +47,8 @@ void NativeMessageHandler::openProxy() {
         return;
     }
     // An older system that refuses the script (automation not permitted) simply shows nothing.
-    static_cast<void>(platform::ports().appleScripts->run(kProxyPaneScript));
+    if (const auto script = platform::ports().appleScripts->makeScript(kProxyPaneScript))
+        static_cast<void>(script->execute());
 }
 
 } // namespace lumora

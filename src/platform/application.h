@@ -2,6 +2,8 @@
 
 namespace lumora::platform {
 
+class Menu;
+
 /// The running application object. Main thread.
 class Application {
   public:
@@ -9,6 +11,9 @@ class Application {
 
     /// Ends the main loop and with it the process; returns to the caller first.
     virtual void terminate() = 0;
+
+    /// The menu bar; null while there is none.
+    [[nodiscard]] virtual Menu* mainMenu() = 0;
 };
 
 } // namespace lumora::platform

@@ -2,6 +2,7 @@
 
 namespace lumora::platform {
 
+class Alerts;
 class AppleScripts;
 class Application;
 class Bundles;
@@ -22,6 +23,7 @@ class Workspace;
 /// Everything the core asks of the operating system: filled once, by the composition root before any core code runs,
 /// or by a test's fixture with fakes. Nothing is owned; every port outlives the core's use of it.
 struct Ports {
+    Alerts* alerts = nullptr;
     AppleScripts* appleScripts = nullptr;
     Application* application = nullptr;
     Bundles* bundles = nullptr;

@@ -47,9 +47,11 @@ void AppDelegate::applicationWillFinishLaunching() {
     Utils::getOvraLumoraAppVersion();
     NotificationCenter::defaultCenter().addObserver(this, kTerminateNotification,
                                                     [this](const void*) { terminateApp(); });
+    configureUninstallMenuItem();
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
+    configureUninstallMenuItem(); // the menu may be complete only now
     platform::ports().mainLoop->asyncInBackground(doLaunchChecks);
 }
 

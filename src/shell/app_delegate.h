@@ -1,17 +1,21 @@
 #pragma once
 
 #include "config/log_handler.h"
+#include "platform/menu.h"
 
+#include <functional>
 #include <memory>
+#include <string>
 
 namespace lumora {
 
 /// Sees the application's life from the first object made to the last call before exit: orders the start-up work and
-/// owns the one termination path. Main thread.
-class AppDelegate {
+/// owns the one termination path and the Uninstall command. Main thread. The launch and the end are in
+/// app_delegate.cpp, the menu entry in uninstall_menu_item.cpp, the command itself in uninstall_command.cpp.
+class AppDelegate final : public platform::MenuTarget {
   public:
     AppDelegate();
-    ~AppDelegate();
+    ~AppDelegate() override;
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
 
@@ -33,8 +37,30 @@ class AppDelegate {
     /// Saves and releases nothing.
     void applicationWillTerminate();
 
+    /// Aims the Uninstall entry of the main menu at this delegate; nothing happens while there is no menu, or none
+    /// with such an entry. May be repeated.
+    void configureUninstallMenuItem();
+
+    /// True for every entry; the Uninstall entry is made visible and enabled.
+    [[nodiscard]] bool validateMenuItem(platform::MenuItem& item) override;
+
+    void performAction(const std::string& action) override;
+
+    /// The Uninstall command, from the question to the outcome's alert. Blocks while alerts and the script run.
+    void uninstallApp();
+
+    /// The entry that runs the Uninstall command; empty until it is wired.
+    [[nodiscard]] std::shared_ptr<platform::MenuItem> uninstallMenuItem() const {
+        return uninstallMenuItem_.lock();
+    }
+
   private:
     std::shared_ptr<LogHandler> logHandler_;
+    std::weak_ptr<platform::MenuItem> uninstallMenuItem_;
 };
+
+/// The first entry that satisfies the predicate, an entry before those of its submenu; empty when none does.
+[[nodiscard]] std::shared_ptr<platform::MenuItem>
+findMenuItem(platform::Menu& menu, const std::function<bool(platform::MenuItem&)>& where);
 
 } // namespace lumora

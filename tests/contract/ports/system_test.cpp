@@ -1,5 +1,4 @@
 #include "platform/linux/ports/linux_system_versions.h"
-#include "platform/linux/ports/no_apple_scripts.h"
 #include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -47,13 +46,6 @@ TEST_F(SystemVersionsContract, whatTheFileDoesNotTellIsAbsent) {
     const auto missing = LinuxSystemVersions({folder_ / "missing"}).current();
     EXPECT_EQ(std::nullopt, missing.productName);
     EXPECT_EQ(std::nullopt, missing.productVersion);
-}
-
-TEST(AppleScriptsContract, everyScriptIsAnError) {
-    const auto result = platform::linux_backend::NoAppleScripts().run("return 1");
-
-    ASSERT_FALSE(result);
-    EXPECT_FALSE(result.error().localizedDescription.empty());
 }
 
 } // namespace

@@ -19,7 +19,8 @@ class TheApplication : public ::testing::Test {
     /// Launches with a window, runs the steps on the running loop, and returns the exit status.
     int runWithWindow(const std::function<void()>& steps) {
         return application.run(name, [this, steps] {
-            installMenuBar(application.handle(), {[this] { application.terminate(); }, [] {}});
+            application.setMainMenu(
+                installMenuBar(application.handle(), {[this] { application.terminate(); }, [] {}}));
             view = host.makeWebView();
             host.openWindow(application.handle(), "/nowhere", [this] {
                 ++lastWindowClosed;

@@ -37,12 +37,22 @@ end tell)";
 
 TEST_F(SystemProxyPane, ignoresAScriptThatFails) {
     systemVersions.version = {"macOS", "12.0"};
-    appleScripts.error = platform::Error{"NSOSStatusErrorDomain", -1743, "Not authorised.", {}};
+    appleScripts.error = platform::AppleScriptError{-1743, "Not authorised."};
 
     post("openProxy");
 
     EXPECT_EQ(appleScripts.sources.size(), 1U);
     EXPECT_TRUE(streams.printed().empty());
+    EXPECT_TRUE(workspace.opened.empty());
+}
+
+TEST_F(SystemProxyPane, ignoresAScriptThatCannotBeMade) {
+    systemVersions.version = {"macOS", "12.0"};
+    appleScripts.refuses = true;
+
+    post("openProxy");
+
+    EXPECT_TRUE(appleScripts.sources.empty());
     EXPECT_TRUE(workspace.opened.empty());
 }
 

@@ -22,6 +22,7 @@ void forgetSharedInstances() {
 
 CoreTest::CoreTest() {
     platform::ports() = platform::Ports{
+        .alerts = &alerts,
         .appleScripts = &appleScripts,
         .application = &application,
         .bundles = &bundles,

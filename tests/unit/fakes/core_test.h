@@ -23,6 +23,7 @@ class CoreTest : public ::testing::Test {
     /// Removes the logged and printed lines so far from view.
     void forgetLines() { streams.clear(); }
 
+    fakes::FakeAlerts alerts;
     fakes::FakeAppleScripts appleScripts;
     fakes::FakeApplication application;
     fakes::FakeBundles bundles;

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "platform/alerts.h"
 #include "platform/apple_script.h"
 #include "platform/application.h"
 #include "platform/bundle.h"
 #include "platform/distributed_notifications.h"
+#include "platform/menu.h"
 #include "platform/process_info.h"
 #include "platform/standard_streams.h"
 #include "platform/system_version.h"
@@ -13,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
@@ -22,24 +25,100 @@
 
 namespace lumora::fakes {
 
+class FakeAlerts final : public platform::Alerts {
+  public:
+    std::vector<platform::Alert> shown;
+    int answer = platform::kAlertFirstButtonReturn;
+    std::function<void(const platform::Alert&)> onShow = [](const platform::Alert&) {};
+
+    int runModal(const platform::Alert& alert) override {
+        shown.push_back(alert);
+        onShow(alert);
+        return answer;
+    }
+};
+
+/// Records the sources that were really run.
 class FakeAppleScripts final : public platform::AppleScripts {
   public:
     std::vector<std::string> sources;
-    std::optional<platform::Error> error;
-    platform::Result<void> run(const std::string& source) override {
-        sources.push_back(source);
-        return error ? platform::Result<void>(*error) : platform::Result<void>();
+    std::optional<platform::AppleScriptError> error;
+    bool refuses = false; ///< makes no script of anything
+    std::function<void()> onExecute = [] {};
+
+    std::unique_ptr<platform::AppleScript> makeScript(const std::string& source) override {
+        return refuses ? nullptr : std::make_unique<Script>(*this, source);
+    }
+
+  private:
+    class Script final : public platform::AppleScript {
+      public:
+        Script(FakeAppleScripts& owner, std::string source) : owner_(owner), source_(std::move(source)) {}
+        std::optional<platform::AppleScriptError> execute() override {
+            owner_.sources.push_back(source_);
+            owner_.onExecute();
+            return owner_.error;
+        }
+
+      private:
+        FakeAppleScripts& owner_;
+        std::string source_;
+    };
+};
+
+class FakeMenuItem;
+
+class FakeMenu final : public platform::Menu {
+  public:
+    std::vector<std::shared_ptr<platform::MenuItem>> entries;
+
+    FakeMenuItem& add(std::string title, std::string action = {});
+    std::vector<std::shared_ptr<platform::MenuItem>> items() override { return entries; }
+};
+
+/// As it was made, until somebody wires it.
+class FakeMenuItem final : public platform::MenuItem {
+  public:
+    std::string titleText, actionName;
+    std::unique_ptr<FakeMenu> opens;
+    platform::MenuTarget* target = nullptr;
+    bool hidden = true;
+    bool enabled = false;
+
+    std::string title() override { return titleText; }
+    std::string action() override { return actionName; }
+    platform::Menu* submenu() override { return opens.get(); }
+    void setTarget(platform::MenuTarget* value) override { target = value; }
+    void setAction(const std::string& value) override { actionName = value; }
+    void setHidden(bool value) override { hidden = value; }
+    void setEnabled(bool value) override { enabled = value; }
+
+    FakeMenu& openMenu() {
+        if (!opens)
+            opens = std::make_unique<FakeMenu>();
+        return *opens;
     }
 };
+
+inline FakeMenuItem& FakeMenu::add(std::string title, std::string action) {
+    auto item = std::make_shared<FakeMenuItem>();
+    item->titleText = std::move(title);
+    item->actionName = std::move(action);
+    entries.push_back(item);
+    return *item;
+}
 
 class FakeApplication final : public platform::Application {
   public:
     int terminations = 0;
     std::function<void()> onTerminate = [] {};
+    std::unique_ptr<FakeMenu> menu; ///< none at first
+
     void terminate() override {
         ++terminations;
         onTerminate();
     }
+    platform::Menu* mainMenu() override { return menu.get(); }
 };
 
 class FakeBundles final : public platform::Bundles {

@@ -18,7 +18,7 @@ constexpr int kEndSignals[] = {SIGTERM, SIGINT, SIGHUP};
 
 } // namespace
 
-DesktopApplication::DesktopApplication(MainLoop& loop) : loop_(loop) {
+DesktopApplication::DesktopApplication(GlibMainLoop& loop) : loop_(loop) {
     g_set_prgname(kIdentifier);
     g_set_application_name(kName);
     application_ =
@@ -26,7 +26,10 @@ DesktopApplication::DesktopApplication(MainLoop& loop) : loop_(loop) {
 }
 
 void DesktopApplication::terminate() {
-    loop_.asyncOnMain([this] { g_application_quit(G_APPLICATION(application_.get())); });
+    loop_.asyncOnMain([this] {
+        loop_.tracking().endModalSessions();
+        g_application_quit(G_APPLICATION(application_.get()));
+    });
 }
 
 int DesktopApplication::run(char* programName, std::function<void()> launch) {

@@ -1,5 +1,7 @@
 #include "platform/linux/gui/linux_backend.h"
 
+#include "platform/linux/gui/modal_loop.h"
+
 namespace lumora::platform::linux_backend {
 
 namespace {
@@ -22,10 +24,16 @@ LinuxBackend::LinuxBackend(const std::vector<std::string>& launchArguments,
       preferences_(launchArguments, PreferenceFolders::forHome(home_.path()), propertyLists_),
       workspace_(bundles_, home_, childEnvironment),
       tasks_(childEnvironment, {{kDiskImageTool, toolBeside(LinuxBundles::runningExecutable(), "hdiutil")}}),
-      application_(mainLoop_), webViewHost_(mainLoop_, kDeepLinkScheme) {}
+      appleScripts_(std::move(childEnvironment),
+                    [this](std::function<void()> work) {
+                        return waitForBackgroundWork(mainLoop_, mainLoop_.tracking(), std::move(work));
+                    }),
+      application_(mainLoop_), webViewHost_(mainLoop_, kDeepLinkScheme),
+      alerts_(mainLoop_.tracking(), [this] { return webViewHost_.gtkWindow(); }) {}
 
 Ports LinuxBackend::ports() {
     return Ports{
+        .alerts = &alerts_,
         .appleScripts = &appleScripts_,
         .application = &application_,
         .bundles = &bundles_,

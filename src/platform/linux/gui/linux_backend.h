@@ -3,7 +3,9 @@
 #include "platform/linux/gui/desktop_application.h"
 #include "platform/linux/gui/gio_path_monitors.h"
 #include "platform/linux/gui/glib_main_loop.h"
+#include "platform/linux/gui/gtk_alerts.h"
 #include "platform/linux/gui/webkit_host.h"
+#include "platform/linux/ports/linux_apple_scripts.h"
 #include "platform/linux/ports/linux_bundles.h"
 #include "platform/linux/ports/linux_distributed_notifications.h"
 #include "platform/linux/ports/linux_file_manager.h"
@@ -12,7 +14,6 @@
 #include "platform/linux/ports/linux_property_lists.h"
 #include "platform/linux/ports/linux_system_versions.h"
 #include "platform/linux/ports/linux_workspace.h"
-#include "platform/linux/ports/no_apple_scripts.h"
 #include "platform/ports.h"
 #include "platform/posix/posix_process_info.h"
 #include "platform/posix/posix_standard_streams.h"
@@ -52,13 +53,14 @@ class LinuxBackend {
     LinuxSystemVersions systemVersions_;
     LinuxDistributedNotifications distributedNotifications_;
     LinuxWorkspace workspace_;
-    NoAppleScripts appleScripts_;
     posix_backend::PosixTaskRunner tasks_;
     GlibMainLoop mainLoop_;
+    LinuxAppleScripts appleScripts_;
     GioPathMonitors pathMonitors_;
     LinuxHttpSessions httpSessions_;
     DesktopApplication application_;
     WebKitHost webViewHost_;
+    GtkAlerts alerts_;
 };
 
 } // namespace lumora::platform::linux_backend

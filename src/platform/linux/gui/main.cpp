@@ -22,8 +22,9 @@ struct RunningApplication {
 
     explicit RunningApplication(LinuxBackend& backend) {
         auto& application = backend.application();
-        installMenuBar(application.handle(), {[&application] { application.terminate(); },
-                                              [&backend] { backend.openLogFolder(); }});
+        application.setMainMenu(
+            installMenuBar(application.handle(), {[&application] { application.terminate(); },
+                                                  [&backend] { backend.openLogFolder(); }}));
         delegate.awakeFromNib();
         delegate.applicationWillFinishLaunching();
         viewController.viewDidLoad();

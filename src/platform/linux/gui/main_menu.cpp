@@ -1,6 +1,7 @@
 #include "platform/linux/gui/main_menu.h"
 
 #include "platform/linux/glib_handles.h"
+#include "platform/linux/gui/menu_entries.h"
 
 #include <algorithm>
 #include <array>
@@ -17,11 +18,12 @@ struct MenuRow {
     const char* menu;
     int section;
     const char* title;
-    const char* action;
+    const char* action;   ///< or nullptr: the entry does nothing until it gets a target
     const char* shortcut; ///< or nullptr
 };
 
 constexpr MenuRow kRows[] = {
+    {"_Lumora", 0, "_Uninstall Ovra Tessel Lumora", nullptr, nullptr},
     {"_Lumora", 1, "_Quit Ovra Tessel Lumora", "app.quit", "<Control>q"},
     {"_Edit", 0, "_Undo", "win.undo", "<Control>z"},
     {"_Edit", 0, "_Redo", "win.redo", "<Shift><Control>z"},
@@ -53,45 +55,29 @@ constexpr double kZoomStep = 1.1;
 constexpr double kSmallestZoom = 0.5;
 constexpr double kLargestZoom = 3.0;
 
-using Command = std::function<void()>;
-
-void runCommand(GSimpleAction*, GVariant*, gpointer command) { (*static_cast<Command*>(command))(); }
-
-void deleteCommand(gpointer command, GClosure*) { delete static_cast<Command*>(command); }
-
-void addAction(GActionMap* map, const char* name, Command command) {
-    const auto action = ObjectRef<GSimpleAction>::adopt(g_simple_action_new(name, nullptr));
-    g_signal_connect_data(action.get(), "activate", G_CALLBACK(runCommand), new Command(std::move(command)),
-                          deleteCommand, GConnectFlags{});
-    g_action_map_add_action(map, G_ACTION(action.get()));
-}
-
 void zoom(WebKitWebView* view, double factor) {
     const double level = webkit_web_view_get_zoom_level(view) * factor;
     webkit_web_view_set_zoom_level(view, std::clamp(level, kSmallestZoom, kLargestZoom));
 }
 
-/// The rows from `first` on that share its menu and section, as one section.
-ObjectRef<GMenu> sectionFrom(const MenuRow*& row) {
-    auto section = ObjectRef<GMenu>::adopt(g_menu_new());
-    const MenuRow* first = row;
-    for (; row != std::end(kRows) && row->menu == first->menu && row->section == first->section; ++row)
-        g_menu_append(section.get(), row->title, row->action);
-    return section;
-}
-
-ObjectRef<GMenu> menuBar() {
-    auto bar = ObjectRef<GMenu>::adopt(g_menu_new());
+/// Builds the menu bar for the screen and, beside it, the one that the core sees.
+std::unique_ptr<BarOfMenus> buildMenuBar(GActionMap* actions, GMenu* bar) {
+    auto menus = std::make_unique<BarOfMenus>();
     for (const MenuRow* row = std::begin(kRows); row != std::end(kRows);) {
         const char* title = row->menu;
         const auto menu = ObjectRef<GMenu>::adopt(g_menu_new());
+        auto entries = std::make_unique<MenuOfEntries>();
         while (row != std::end(kRows) && row->menu == title) {
-            const auto section = sectionFrom(row);
+            const MenuRow* first = row;
+            const auto section = ObjectRef<GMenu>::adopt(g_menu_new());
+            for (; row != std::end(kRows) && row->menu == title && row->section == first->section; ++row)
+                entries->add(actions, section.get(), row->title, row->action);
             g_menu_append_section(menu.get(), nullptr, G_MENU_MODEL(section.get()));
         }
-        g_menu_append_submenu(bar.get(), title, G_MENU_MODEL(menu.get()));
+        g_menu_append_submenu(bar, title, G_MENU_MODEL(menu.get()));
+        menus->add(title, std::move(entries));
     }
-    return bar;
+    return menus;
 }
 
 void installShortcuts(GtkApplication* application) {
@@ -105,11 +91,14 @@ void installShortcuts(GtkApplication* application) {
 
 } // namespace
 
-void installMenuBar(GtkApplication* application, MenuCommands commands) {
+std::unique_ptr<Menu> installMenuBar(GtkApplication* application, MenuCommands commands) {
     addAction(G_ACTION_MAP(application), "quit", std::move(commands.quit));
     addAction(G_ACTION_MAP(application), "open-log-folder", std::move(commands.openLogFolder));
-    gtk_application_set_menubar(application, G_MENU_MODEL(menuBar().get()));
+    const auto bar = ObjectRef<GMenu>::adopt(g_menu_new());
+    auto menus = buildMenuBar(G_ACTION_MAP(application), bar.get());
+    gtk_application_set_menubar(application, G_MENU_MODEL(bar.get()));
     installShortcuts(application);
+    return menus;
 }
 
 void installWindowActions(GtkApplicationWindow* window, WebKitWebView* view) {

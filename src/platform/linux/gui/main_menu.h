@@ -1,9 +1,12 @@
 #pragma once
 
+#include "platform/menu.h"
+
 #include <gtk/gtk.h>
 #include <webkit/webkit.h>
 
 #include <functional>
+#include <memory>
 
 namespace lumora::platform::linux_backend {
 
@@ -14,7 +17,8 @@ struct MenuCommands {
 };
 
 /// Gives the application its menu bar and shortcuts. Once, before its first window.
-void installMenuBar(GtkApplication* application, MenuCommands commands);
+/// @return the menu bar as the core sees it. An entry that gets a target leaves its built-in command.
+[[nodiscard]] std::unique_ptr<Menu> installMenuBar(GtkApplication* application, MenuCommands commands);
 
 /// Connects the menu entries that act on the window and the page in it.
 void installWindowActions(GtkApplicationWindow* window, WebKitWebView* view);

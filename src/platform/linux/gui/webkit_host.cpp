@@ -13,6 +13,10 @@ std::unique_ptr<WebView> WebKitHost::makeWebView() {
 
 Window* WebKitHost::window() { return window_ != nullptr && window_->isOpen() ? window_.get() : nullptr; }
 
+GtkWindow* WebKitHost::gtkWindow() const {
+    return window_ != nullptr && window_->isOpen() ? GTK_WINDOW(window_->widget()) : nullptr;
+}
+
 void WebKitHost::openWindow(GtkApplication* application, const std::string& resourceFolder,
                             std::function<void()> lastWindowClosed) {
     setDefaultIcon(resourceFolder);

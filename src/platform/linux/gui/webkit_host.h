@@ -22,6 +22,9 @@ class WebKitHost final : public WebViewHost {
     [[nodiscard]] std::unique_ptr<WebView> makeWebView() override;
     [[nodiscard]] Window* window() override;
 
+    /// The open window, or null.
+    [[nodiscard]] GtkWindow* gtkWindow() const;
+
     /// Builds and shows the window around the view. `lastWindowClosed` runs on the main thread after the window has
     /// vanished from the screen. The resource folder holds the window's icon.
     void openWindow(GtkApplication* application, const std::string& resourceFolder,

@@ -1,0 +1,63 @@
+#include "platform/application.h"
+#include "platform/menu.h"
+#include "platform/ports.h"
+#include "shell/app_delegate.h"
+
+#include <string_view>
+
+namespace lumora {
+
+namespace {
+
+constexpr std::string_view kTitle = "Uninstall Ovra Tessel Lumora";
+constexpr const char* kAction = "uninstallApp:";
+
+bool isUninstallItem(platform::MenuItem& item) {
+    return item.action() == kAction || item.title().find(kTitle) != std::string::npos;
+}
+
+void show(platform::MenuItem& item) {
+    item.setHidden(false);
+    item.setEnabled(true);
+}
+
+} // namespace
+
+std::shared_ptr<platform::MenuItem> findMenuItem(platform::Menu& menu,
+                                                 const std::function<bool(platform::MenuItem&)>& where) {
+    for (const auto& item : menu.items()) {
+        if (where(*item))
+            return item;
+        if (platform::Menu* submenu = item->submenu()) {
+            if (auto found = findMenuItem(*submenu, where))
+                return found;
+        }
+    }
+    return nullptr;
+}
+
+void AppDelegate::configureUninstallMenuItem() {
+    platform::Menu* mainMenu = platform::ports().application->mainMenu();
+    if (mainMenu == nullptr)
+        return;
+    const auto item = findMenuItem(*mainMenu, isUninstallItem);
+    if (!item)
+        return;
+    item->setTarget(this);
+    item->setAction(kAction);
+    show(*item);
+    uninstallMenuItem_ = item;
+}
+
+bool AppDelegate::validateMenuItem(platform::MenuItem& item) {
+    if (item.action() == kAction)
+        show(item);
+    return true;
+}
+
+void AppDelegate::performAction(const std::string& action) {
+    if (action == kAction)
+        uninstallApp();
+}
+
+} // namespace lumora
