@@ -3,6 +3,10 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 #include_next <Foundation/Foundation.h>
+
+// Marks of translatable texts, of which the C++ library has variables of the same name.
+#undef _
+#undef __
 #include <Foundation/FoundationAdditions.h>
 #include <Foundation/URLSession.h>
 #include <dispatch/dispatch.h>

@@ -25,4 +25,37 @@ NS_INLINE id _Nullable CFBridgingRelease(CFTypeRef CF_CONSUMED _Nullable X) {
     API_AVAILABLE(macos(10.11), ios(9.0), watchos(2.0), tvos(9.0));
 @end
 
+enum {
+    NSPropertyListWriteInvalidError API_AVAILABLE(macos(10.10), ios(8.0), watchos(2.0), tvos(9.0)) = 3852,
+};
+
+extern NSString* const NSFileProtectionKey API_AVAILABLE(macos(11.0), ios(4.0), watchos(2.0), tvos(9.0));
+extern NSString* const NSFileProtectionComplete API_AVAILABLE(macos(11.0), ios(4.0), watchos(2.0), tvos(9.0));
+
+typedef NS_OPTIONS(NSUInteger, NSDataReadingOptions) {
+    NSDataReadingMappedIfSafe = 1UL << 0,
+};
+
+@interface NSData (Lumora)
++ (nullable instancetype)dataWithContentsOfFile:(NSString*)path
+                                        options:(NSDataReadingOptions)readOptionsMask
+                                          error:(NSError**)errorPtr;
+@end
+
+@interface NSFileHandle (Lumora)
+- (BOOL)writeData:(NSData*)data
+            error:(out NSError**)error API_AVAILABLE(macos(10.15), ios(13.0), watchos(6.0), tvos(13.0));
+- (BOOL)truncateAtOffset:(unsigned long long)offset
+                   error:(out NSError**)error API_AVAILABLE(macos(10.15), ios(13.0), watchos(6.0), tvos(13.0));
+@end
+
+extern NSString* const NSAppleScriptErrorMessage;
+extern NSString* const NSAppleScriptErrorNumber;
+
+@interface NSAppleScript (Lumora)
+- (nullable instancetype)initWithSource:(NSString*)source;
+- (NSAppleEventDescriptor*)executeAndReturnError:
+    (NSDictionary<NSString*, id>* _Nullable __autoreleasing* _Nullable)errorInfo;
+@end
+
 NS_ASSUME_NONNULL_END

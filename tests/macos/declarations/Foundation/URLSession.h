@@ -63,6 +63,7 @@ API_AVAILABLE(macos(10.9), ios(7.0), watchos(2.0), tvos(9.0))
 + (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration
                                  delegate:(nullable id<NSURLSessionDelegate>)delegate
                             delegateQueue:(nullable NSOperationQueue*)queue;
+@property(readonly, retain) NSOperationQueue* delegateQueue;
 - (void)finishTasksAndInvalidate;
 @end
 

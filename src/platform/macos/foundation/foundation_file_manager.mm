@@ -1,0 +1,141 @@
+#include "platform/macos/foundation/foundation_file_manager.h"
+
+#include "platform/macos/foundation/objc_exceptions.h"
+#include "platform/posix/posix_error.h"
+
+#include <cerrno>
+#include <cstdio>
+
+namespace lumora::platform::macos_backend {
+
+namespace {
+
+NSFileManager* manager() { return NSFileManager.defaultManager; }
+
+NSData* bytesOf(std::string_view text) { return [NSData dataWithBytes:text.data() length:text.size()]; }
+
+// A name beside the path for what becomes the path in one step, when it is whole.
+NSString* besides(NSString* path) {
+    NSString* name = [@"." stringByAppendingString:NSUUID.UUID.UUIDString];
+    return [path.stringByDeletingLastPathComponent stringByAppendingPathComponent:name];
+}
+
+NSDictionary* dictionaryOf(const FileAttributes& attributes) {
+    NSMutableDictionary* dictionary = [NSMutableDictionary dictionary];
+    if (attributes.posixPermissions)
+        dictionary[NSFilePosixPermissions] = @(*attributes.posixPermissions);
+    if (@available(macOS 11.0, *)) {
+        if (attributes.completeProtection)
+            dictionary[NSFileProtectionKey] = NSFileProtectionComplete;
+    }
+    return dictionary;
+}
+
+// Runs one operation that tells its success and leaves an error behind when it fails.
+template <class Operation> Result<void> attempt(const Operation& operation) {
+    return atPort([&]() -> Result<void> {
+        NSError* error = nil;
+        if (!operation(&error))
+            return errorOf(error);
+        return {};
+    });
+}
+
+// Never makes a file: the handle is one of the file that stands there.
+bool replaceContents(const std::string& path, std::string_view contents, NSError** error) {
+    NSFileHandle* file = [NSFileHandle fileHandleForWritingToURL:[NSURL fileURLWithPath:nsString(path)]
+                                                           error:error];
+    return file != nil && [file truncateAtOffset:0 error:error] &&
+           [file writeData:bytesOf(contents) error:error];
+}
+
+} // namespace
+
+std::string FoundationFileManager::homeDirectory() {
+    return atPort([] { return textOf(NSHomeDirectory()); });
+}
+
+std::string FoundationFileManager::libraryDirectory() {
+    return atPort([] {
+        return textOf(
+            NSSearchPathForDirectoriesInDomains(NSLibraryDirectory, NSUserDomainMask, YES).firstObject);
+    });
+}
+
+bool FoundationFileManager::fileExists(const std::string& path) {
+    return atPort([&]() -> bool { return [manager() fileExistsAtPath:nsString(path)]; });
+}
+
+Result<void> FoundationFileManager::createDirectoryWithIntermediates(const std::string& path) {
+    return attempt([&](NSError** error) {
+        return [manager() createDirectoryAtPath:nsString(path)
+                    withIntermediateDirectories:YES
+                                     attributes:nil
+                                          error:error];
+    });
+}
+
+Result<void> FoundationFileManager::copyItem(const std::string& source, const std::string& destination) {
+    return attempt([&](NSError** error) {
+        NSString* copy = besides(nsString(destination));
+        const bool copied = [manager() copyItemAtPath:nsString(source) toPath:copy error:error] &&
+                            [manager() moveItemAtPath:copy toPath:nsString(destination) error:error];
+        if (!copied)
+            [manager() removeItemAtPath:copy error:nil];
+        return copied;
+    });
+}
+
+Result<void> FoundationFileManager::removeItem(const std::string& path) {
+    return attempt([&](NSError** error) { return [manager() removeItemAtPath:nsString(path) error:error]; });
+}
+
+Result<void> FoundationFileManager::createFile(const std::string& path, std::string_view contents,
+                                               const FileAttributes& attributes) {
+    return atPort([&]() -> Result<void> {
+        NSString* file = besides(nsString(path));
+        NSError* error = nil;
+        if (![manager() createFileAtPath:file contents:nil attributes:dictionaryOf(attributes)])
+            return posix_backend::posixError(errno, path);
+        if (![bytesOf(contents) writeToFile:file options:0 error:&error]) {
+            [manager() removeItemAtPath:file error:nil];
+            return errorOf(error);
+        }
+        if (std::rename(file.fileSystemRepresentation, nsString(path).fileSystemRepresentation) != 0) {
+            const int code = errno;
+            [manager() removeItemAtPath:file error:nil];
+            return posix_backend::posixError(code, path);
+        }
+        return {};
+    });
+}
+
+Result<std::string> FoundationFileManager::readFile(const std::string& path) {
+    return atPort([&]() -> Result<std::string> {
+        NSError* error = nil;
+        NSData* data = [NSData dataWithContentsOfFile:nsString(path) options:0 error:&error];
+        if (data == nil)
+            return errorOf(error);
+        return std::string(static_cast<const char*>(data.bytes), data.length);
+    });
+}
+
+Result<void> FoundationFileManager::overwriteFile(const std::string& path, std::string_view contents) {
+    return attempt([&](NSError** error) { return replaceContents(path, contents, error); });
+}
+
+Result<std::uint64_t> FoundationFileManager::fileSize(const std::string& path) {
+    return atPort([&]() -> Result<std::uint64_t> {
+        NSError* error = nil;
+        NSDictionary* attributes = [manager() attributesOfItemAtPath:nsString(path) error:&error];
+        if (attributes == nil)
+            return errorOf(error);
+        return std::uint64_t{attributes.fileSize};
+    });
+}
+
+Result<void> FoundationFileManager::truncateFile(const std::string& path) {
+    return attempt([&](NSError** error) { return replaceContents(path, "", error); });
+}
+
+} // namespace lumora::platform::macos_backend

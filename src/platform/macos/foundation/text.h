@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/result.h"
+
+#import <Foundation/Foundation.h>
+#include <string>
+
+namespace lumora::platform::macos_backend {
+
+/// The text as the platform holds it; bytes that are no UTF-8 give an empty one.
+inline NSString* nsString(const std::string& text) {
+    NSString* converted = [[NSString alloc] initWithBytes:text.data()
+                                                   length:text.size()
+                                                 encoding:NSUTF8StringEncoding];
+    return converted != nil ? converted : @"";
+}
+
+/// The text in UTF-8, whole, with any NUL in it; nil is empty.
+inline std::string textOf(NSString* text) {
+    NSData* bytes = [text dataUsingEncoding:NSUTF8StringEncoding];
+    return bytes == nil ? std::string() : std::string(static_cast<const char*>(bytes.bytes), bytes.length);
+}
+
+/// A platform error as the core's; nil, which no failure should give, is one without domain.
+inline Error errorOf(NSError* error) {
+    NSURL* failing = error.userInfo[NSURLErrorFailingURLErrorKey];
+    return {textOf(error.domain), static_cast<int>(error.code), textOf(error.localizedDescription),
+            failing == nil ? std::nullopt : std::optional(textOf(failing.absoluteString))};
+}
+
+} // namespace lumora::platform::macos_backend
