@@ -16,6 +16,8 @@ if(NOT APPLE)
   pkg_check_modules(archive REQUIRED IMPORTED_TARGET libarchive)
 endif()
 
-# Tests and the embedded data centre.
-find_package(GTest REQUIRED)
-find_package(OpenSSL REQUIRED)
+# Tests, and on Linux the embedded data centre.
+if(BUILD_TESTING OR NOT APPLE)
+  find_package(GTest REQUIRED)
+  find_package(OpenSSL REQUIRED)
+endif()
