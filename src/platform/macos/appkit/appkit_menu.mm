@@ -6,28 +6,32 @@
 
 using namespace lumora::platform;
 
-/// Hangs on an entry as its represented object: keeps the entry's port object, and is the target of its
-/// command.
-@interface LumoraMenuEntry : NSObject <NSMenuItemValidation>
-@property(nonatomic, readonly) std::shared_ptr<MenuItem> item;
-@property(nonatomic) MenuTarget* target;
-- (instancetype)initWithItem:(std::shared_ptr<MenuItem>)item;
+/// Carries an entry's command to its target. The entry itself holds this, and this the entry's port object.
+@interface LumoraMenuTarget : NSObject <NSMenuItemValidation>
+- (instancetype)initWithTarget:(MenuTarget*)target item:(std::shared_ptr<MenuItem>)item;
 @end
 
-@implementation LumoraMenuEntry
-- (instancetype)initWithItem:(std::shared_ptr<MenuItem>)item {
-    if ((self = [super init]))
+@implementation LumoraMenuTarget {
+    MenuTarget* _target;
+    std::shared_ptr<MenuItem> _item;
+}
+
+- (instancetype)initWithTarget:(MenuTarget*)target item:(std::shared_ptr<MenuItem>)item {
+    if ((self = [super init])) {
+        _target = target;
         _item = std::move(item);
+    }
     return self;
 }
 
 - (BOOL)validateMenuItem:(NSMenuItem*)item {
-    return self.target->validateMenuItem(*self.item);
+    return _target->validateMenuItem(*_item);
 }
 
 - (void)uninstallApp:(NSMenuItem*)sender {
-    self.target->performAction(macos_backend::textOf(NSStringFromSelector(sender.action)));
+    _target->performAction(_item->action());
 }
+
 @end
 
 namespace lumora::platform::macos_backend {
@@ -36,7 +40,7 @@ namespace {
 
 std::unique_ptr<Menu> menuOver(NSMenu* menu);
 
-class AppKitMenuItem final : public MenuItem {
+class AppKitMenuItem final : public MenuItem, public std::enable_shared_from_this<AppKitMenuItem> {
   public:
     explicit AppKitMenuItem(NSMenuItem* item) : item_(item), submenu_(menuOver(item.submenu)) {}
 
@@ -46,9 +50,10 @@ class AppKitMenuItem final : public MenuItem {
     }
     Menu* submenu() override { return submenu_.get(); }
     void setTarget(MenuTarget* target) override {
-        LumoraMenuEntry* entry = item_.representedObject;
-        entry.target = target;
-        item_.target = entry;
+        LumoraMenuTarget* forwarder = [[LumoraMenuTarget alloc] initWithTarget:target
+                                                                          item:shared_from_this()];
+        item_.representedObject = forwarder; // entries do not keep their targets
+        item_.target = forwarder;
     }
     void setAction(const std::string& action) override {
         item_.action = NSSelectorFromString(nsString(action));
@@ -57,7 +62,7 @@ class AppKitMenuItem final : public MenuItem {
     void setEnabled(bool enabled) override { item_.enabled = enabled; }
 
   private:
-    __weak NSMenuItem* item_; ///< holds this object
+    __weak NSMenuItem* item_;
     std::unique_ptr<Menu> submenu_;
 };
 
@@ -67,13 +72,8 @@ class AppKitMenu final : public Menu {
 
     std::vector<std::shared_ptr<MenuItem>> items() override {
         std::vector<std::shared_ptr<MenuItem>> items;
-        for (NSMenuItem* item in menu_.itemArray) {
-            if (item.representedObject == nil)
-                item.representedObject =
-                    [[LumoraMenuEntry alloc] initWithItem:std::make_shared<AppKitMenuItem>(item)];
-            LumoraMenuEntry* entry = item.representedObject;
-            items.push_back(entry.item);
-        }
+        for (NSMenuItem* item in menu_.itemArray)
+            items.push_back(std::make_shared<AppKitMenuItem>(item));
         return items;
     }
 
