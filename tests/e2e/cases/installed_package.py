@@ -1,26 +1,35 @@
 """The Debian package as an administrator installs it, not the build folder's bundle: it joins, and it goes again."""
 
+import functools
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
+import unittest
 import unittest.mock
 
 from cases import join
-from harness import application, case, places
+from harness import agent, application, case, places, waiting
 from harness.log_file import Log
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "packaging"))
 import machine  # noqa: E402  (the packages' tests' own)
+import services  # noqa: E402  (the world's session bus)
 
+RELEASE = places.BUILT_BUNDLE.parent / "package"
 PACKAGE = "ovra-tessel-lumora"
+# A user of the world's own, unknown to the machine.
+UID = 47110
 
 
 def setUpModule():
     machine.lay()
     os.rmdir("/Applications")
     os.rmdir("/Volumes")
-    package, = (places.BUILT_BUNDLE.parent / "package").glob("*.deb")
+    with open("/etc/passwd", "a", encoding="ascii") as accounts:
+        accounts.write(f"kim:x:{UID}:{UID}::/tmp/kim/home:/bin/sh\n")
+    package, = RELEASE.glob("*.deb")
     machine.dpkg("--install", package)
     # Everything else is made ready as for the other modules.
     with unittest.mock.patch.object(application, "install"):
@@ -31,6 +40,12 @@ tearDownModule = case.tear_down_module
 
 
 class InstalledJoin(join.Join):
+    # These do not depend on where the bundle comes from.
+    test_from_the_request_page_takes_the_stored_name = None
+    test_from_the_request_page_without_a_name_has_none = None
+    test_second_join_overtakes_a_slow_download = None
+    test_two_joins_at_once_start_an_agent_and_harm_nothing = None
+
     def tearDown(self):
         super().tearDown()
         self.assertEqual(machine.dpkg("--verify", PACKAGE).stdout, "", "a join has changed the installed files")
@@ -50,9 +65,91 @@ class InstalledCommand(case.EndToEndCase):
             process.wait()
 
 
-class Leaving(case.EndToEndCase):
-    def test_z_purging_after_all_that_leaves_no_trace(self):
+class OrdinaryUser(case.EndToEndCase):
+    """Who may write neither the bundle nor the machine's folders, as on every desk."""
+
+    def setUp(self):
+        super().setUp()
+        folder = pathlib.Path("/tmp/kim")
+        shutil.rmtree(folder, ignore_errors=True)
+        for part in ("home", "run"):
+            (folder / part).mkdir(parents=True, mode=0o700)
+            try:
+                os.chown(folder / part, UID, UID)
+            except OSError:
+                self.skipTest("this world has one user only")
+        os.chown(folder, UID, UID)
+        os.chmod("/Library", 0o755)
+        self.addCleanup(self.give_library_back)
+        self.home = places.Home(folder / "home")
+        self.as_kim = functools.partial(subprocess.Popen, user=UID, group=UID, extra_groups=[])
+        configuration = folder / "bus.conf"
+        configuration.write_text(services.BUS_CONFIGURATION.replace("/run/lumora", str(folder / "run")), encoding="utf-8")
+        bus = self.as_kim(["dbus-daemon", f"--config-file={configuration}", "--nofork"])
+        self.addCleanup(bus.wait)
+        self.addCleanup(bus.kill)
+        waiting.until((folder / "run/bus").exists, "the user's session bus")
+        self.environment = {"XDG_RUNTIME_DIR": str(folder / "run"),
+                            "DBUS_SESSION_BUS_ADDRESS": f"unix:path={folder}/run/bus"}
+
+    @staticmethod
+    def give_library_back():
+        """The tests' own folder, which the package manager removes with the last package that uses it."""
+        library = pathlib.Path("/Library")
+        library.mkdir(exist_ok=True)
+        library.chmod(0o1777)
+
+    def start_as_kim(self, arguments=None):
+        with unittest.mock.patch.object(application.subprocess, "Popen", self.as_kim):
+            return self.start(arguments, self.environment)
+
+    def test_joins(self):
+        self.start_as_kim()
+        self.wait_for_launch_checks()
+        self.join()
+        self.wait_for_install()
+        record, = agent.wait_for_records(self.home)
+        self.assert_agent_was_given(record, self.assert_join_details())
+        self.assert_nothing_left_behind()
+        self.assertEqual(self.home.join_details.stat().st_uid, UID)
+        self.assertEqual(os.listdir("/Library"), [])
+        self.close()
+        self.assertEqual(machine.dpkg("--verify", PACKAGE).stdout, "")
+
+    def test_takes_its_settings_from_a_package_of_settings(self):
+        folder = pathlib.Path("/tmp/settings")
+        folder.mkdir()
+        subprocess.run([f"/usr/share/{PACKAGE}/make-settings-package", "example-settings", "1.0", "DC=eu",
+                        "pathForLumora=join", "LumoraToken=their-own"], cwd=folder, check=True)
+        machine.dpkg("--install", folder / "example-settings_1.0_all.deb")
+        self.addCleanup(machine.dpkg, "--purge", "example-settings")
+        self.start_as_kim({})
+        self.log.wait_for("+[Utils parseCommandLineArgs] : Arguments Read From Preferences => WebServerName : "
+                          "eu.ovratessel.example , LumoraToken : their-own , DC = eu")
+
+
+    def test_offered_update_cannot_replace_the_administrators_bundle_and_leaves_it_whole(self):
+        served = self.data_centre.images / "OvraTesselLumora.dmg"
+        shutil.copyfile(RELEASE / served.name, served)
+        self.addCleanup(served.unlink)
+        self.data_centre.answer(application={"representation": {"update": True, "download_url": None}})
+        self.start_as_kim()
+        self.log.wait_for_start("-[OvraLumoraUpdater unMountingOvraLumoraDmg] : Dmg unmount task termination status : 0")
+        staged = self.home.support_folder / places.BUNDLE.name
+        self.assertEqual(machine.picture(staged), machine.picture(places.BUNDLE), "the release's image is another one")
+
+        self.close()
+
+        self.log.wait_for_start("+[Utils updateLumoraIfNeeded] Failed to Remove Existing old Lumora app (1.0.0) in folder "
+                                f"{places.BUNDLE} Error:  ")
+        self.assertEqual(machine.dpkg("--verify", PACKAGE).stdout, "")
+
+
+class WhenPurged(case.EndToEndCase):
+    """The last class by name: what follows finds nothing installed."""
+
+    def test_no_trace_is_left_after_all_that(self):
         machine.dpkg("--purge", PACKAGE)
-        # The tests' own: the folder that each finds empty, and the authority that the machine trusts.
-        own = {"/Library", f"{places.TRUST_STORE} has changed"}
+        # The tests' own: the folder that each finds empty, the authority that the machine trusts, the user.
+        own = {"/Library", f"{places.TRUST_STORE} has changed", "/etc/passwd has changed"}
         self.assertEqual(machine.traces() - own, set())
