@@ -19,13 +19,12 @@ typedef NSRect CGRect; // on macOS it is the other way round
 
 typedef NSString* NSWorkspaceLaunchConfigurationKey;
 extern NSWorkspaceLaunchConfigurationKey const NSWorkspaceLaunchConfigurationArguments
-    API_DEPRECATED("Use -[NSWorkspaceOpenConfiguration arguments] instead.", macos(10.6, 11.0));
+    API_DEPRECATED("Use -[NSWorkspaceOpenConfiguration setArguments:] instead.", macos(10.6, 11.0));
 
 #ifdef __cplusplus
 }
 #endif
 
-API_AVAILABLE(macos(10.14))
 @protocol NSMenuItemValidation <NSObject>
 - (BOOL)validateMenuItem:(NSMenuItem*)menuItem;
 @end
