@@ -26,6 +26,7 @@ void ViewController::loadJoinPageURl() {
         return;
     }
     reloadAttempted_ = false;
+    revival_.reset();
     webView().load(joinRequest(*url));
 }
 
@@ -33,7 +34,9 @@ void ViewController::loadMisconfigurationPage() { showResourcePage(kMisconfigura
 
 void ViewController::loadStaticNoInternetPage() { showResourcePage(kNoInternetPage); }
 
-void ViewController::showResourcePage(const std::string& name) {
+// By value: the timer that may hold the original goes first.
+void ViewController::showResourcePage(std::string name) {
+    revival_.reset();
     const auto path = platform::ports().bundles->pathForResource(name, "html");
     if (!path)
         return;                                                     // the view keeps what it shows

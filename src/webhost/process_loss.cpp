@@ -1,3 +1,5 @@
+#include "platform/main_loop.h"
+#include "platform/ports.h"
 #include "webhost/local_pages.h"
 #include "webhost/view_controller.h"
 
@@ -13,13 +15,24 @@ platform::Error processTerminated(const std::string& url) {
 } // namespace
 
 void ViewController::webContentProcessDidTerminate(const std::string& url) {
-    // A local page is what a failure shows: treated as one it would stay away.
-    if (!isLocalPage(url) || !revivals_.allowsAt(now_()))
-        didFailNavigation(processTerminated(url));
-    else if (url.find(kNoInternetPage) != std::string::npos)
-        loadStaticNoInternetPage();
-    else
-        loadMisconfigurationPage();
+    if (isLocalPage(url)) {
+        reviveLocalPage(url.find(kNoInternetPage) != std::string::npos ? kNoInternetPage
+                                                                       : kMisconfigurationPage);
+        return;
+    }
+    if (!reloadsAfterLoss_.allowsAt(now_()))
+        reloadAttempted_ = true; // it would only die again: the offline page stays until the monitor restores
+    didFailNavigation(processTerminated(url));
+}
+
+// A local page is what a failure shows: treated as one it would stay away.
+void ViewController::reviveLocalPage(const std::string& page) {
+    if (revivals_.allowsAt(now_())) {
+        showResourcePage(page);
+        return;
+    }
+    revival_ = platform::ports().mainLoop->scheduleTimer(
+        RevivalLimit::kWindow, platform::TimerMode::commonModes, [this, page] { showResourcePage(page); });
 }
 
 } // namespace lumora

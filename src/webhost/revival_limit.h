@@ -5,10 +5,14 @@
 
 namespace lumora {
 
-/// How often a page may come back by itself after its process has died: three times in ten seconds.
+/// How often a page is helped up at once after its process has died, three times in ten seconds: one that only dies again
+/// must not keep the machine busy.
 class RevivalLimit {
   public:
     using Clock = std::chrono::steady_clock;
+
+    static constexpr std::size_t kMost = 3;
+    static constexpr std::chrono::seconds kWindow{10};
 
     /// Whether it may come back now; counts when it may.
     [[nodiscard]] bool allowsAt(Clock::time_point now) {
@@ -21,9 +25,6 @@ class RevivalLimit {
     }
 
   private:
-    static constexpr std::size_t kMost = 3;
-    static constexpr std::chrono::seconds kWindow{10};
-
     std::deque<Clock::time_point> recent_;
 };
 

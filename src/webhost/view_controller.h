@@ -2,6 +2,7 @@
 
 #include "api/network_monitor.h"
 #include "bridge/native_message_handler.h"
+#include "platform/main_loop.h"
 #include "platform/web_view.h"
 #include "webhost/revival_limit.h"
 
@@ -66,13 +67,16 @@ class ViewController final : public platform::WebViewDelegate,
 
   private:
     [[nodiscard]] platform::WebView& webView(); ///< its absence is a programming error and stops the process
-    void showResourcePage(const std::string& name);
+    void showResourcePage(std::string name);
+    void reviveLocalPage(const std::string& page);
     void reloadOnce(const std::string& url);
 
     std::unique_ptr<platform::WebView> webView_;
     bool reloadAttempted_ = false; ///< the failed load has had its one reload
     std::function<Clock::time_point()> now_;
-    RevivalLimit revivals_;
+    RevivalLimit reloadsAfterLoss_;            ///< of pages whose process died, as failed loads
+    RevivalLimit revivals_;                    ///< of the local pages
+    std::unique_ptr<platform::Timer> revival_; ///< while a local page that keeps dying is left in peace
 };
 
 } // namespace lumora

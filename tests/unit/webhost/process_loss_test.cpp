@@ -9,10 +9,18 @@ class LostProcesses : public WebHostTest {
   protected:
     static constexpr const char* kUrl = "https://server.example/join";
     static constexpr const char* kOfflineUrl = "file:///App/Resources/NoInternetPage.html";
+    static constexpr const char* kMisconfiguredUrl = "file:///App/Resources/MisconfigurationPage.html";
 
     LostProcesses() {
         controller = std::make_unique<ViewController>([this] { return now; });
         showView();
+    }
+
+    /// What the host shows when the process of this page dies.
+    Lines dies(const std::string& url) {
+        webViewHost.journal.clear();
+        controller->webContentProcessDidTerminate(url);
+        return webViewHost.journal;
     }
 
     ViewController::Clock::time_point now{};
@@ -40,25 +48,70 @@ TEST_F(LostProcesses, ofNoPageAtAllAreFailedLoads) {
 
 TEST_F(LostProcesses, ofTheLocalPagesBringThemBackWithoutAWord) {
     controller->webContentProcessDidTerminate(kOfflineUrl);
-    controller->webContentProcessDidTerminate("file:///App/Resources/MisconfigurationPage.html");
+    controller->webContentProcessDidTerminate(kMisconfiguredUrl);
 
     EXPECT_EQ(webViewHost.journal, (Lines{kOffline, kMisconfigured}));
     EXPECT_EQ(streams.printed(), Lines{});
 }
 
-TEST_F(LostProcesses, bringALocalPageBackThreeTimesInTenSeconds) {
-    for (int death = 0; death < 4; ++death) {
-        controller->webContentProcessDidTerminate(kOfflineUrl);
+TEST_F(LostProcesses, ofAnotherServersPageAreFailedLoadsWhateverItsName) {
+    controller->webContentProcessDidTerminate("https://elsewhere.example/NoInternetPage.html");
+
+    EXPECT_EQ(webViewHost.journal, Lines{kOffline});
+}
+
+TEST_F(LostProcesses, ofTheJoinPageReloadItThreeTimesInTenSecondsAndThenLeaveItToTheMonitor) {
+    configure("server.example", "join", "");
+    for (int death = 0; death < 3; ++death) {
+        EXPECT_EQ(dies(kUrl), (Lines{kLoad, kOffline})) << death;
+        controller->didRestoreConnection();
         now += 3s;
     }
 
-    EXPECT_EQ(webViewHost.journal, Lines(3, kOffline));
-    EXPECT_EQ(streams.printed().back(), "URL NetTest : https://server.example/join")
-        << "and then leave it to the watch";
+    EXPECT_EQ(dies(kUrl), Lines{kOffline});
+    EXPECT_EQ(streams.printed().back(), "URL NetTest : https://server.example/join");
+    EXPECT_EQ(probedAddresses(), Lines{kUrl});
 
+    controller->didRestoreConnection();
+    EXPECT_EQ(webViewHost.journal.back(), kLoad);
     now += 1s; // ten seconds after the first of the three
-    controller->webContentProcessDidTerminate(kOfflineUrl);
-    EXPECT_EQ(webViewHost.journal, Lines(4, kOffline));
+    EXPECT_EQ(dies(kUrl), (Lines{kLoad, kOffline}));
+}
+
+TEST_F(LostProcesses, bringALocalPageBackThreeTimesInTenSecondsAndThenLeaveItInPeaceForAsLong) {
+    for (int death = 0; death < 3; ++death)
+        EXPECT_EQ(dies(kMisconfiguredUrl), Lines{kMisconfigured}) << death;
+    const auto before = loop.timers.size();
+
+    EXPECT_EQ(dies(kMisconfiguredUrl), Lines{});
+
+    ASSERT_EQ(loop.timers.size(), before + 1);
+    EXPECT_EQ(loop.timers.back()->interval, 10s);
+    loop.timers.back()->action();
+    EXPECT_EQ(webViewHost.journal, Lines{kMisconfigured});
+    EXPECT_FALSE(loop.timers.back()->valid) << "once is enough";
+    EXPECT_EQ(streams.printed(), Lines{});
+}
+
+TEST_F(LostProcesses, bringNoLocalPageBackOverWhatIsShownMeanwhile) {
+    for (int death = 0; death < 4; ++death)
+        dies(kOfflineUrl);
+    EXPECT_TRUE(loop.timers.back()->valid);
+    controller->didRestoreConnection();
+    EXPECT_FALSE(loop.timers.back()->valid);
+
+    dies(kOfflineUrl);
+    EXPECT_TRUE(loop.timers.back()->valid);
+    controller->didFailedToConnect();
+    EXPECT_FALSE(loop.timers.back()->valid);
+}
+
+TEST_F(LostProcesses, ofALocalPageDoNotCountForTheJoinPage) {
+    configure("server.example", "join", "");
+    for (int death = 0; death < 4; ++death)
+        dies(kOfflineUrl);
+
+    EXPECT_EQ(dies(kUrl), (Lines{kLoad, kOffline}));
 }
 
 TEST_F(LostProcesses, farApartBringALocalPageBackEveryTime) {
