@@ -1,0 +1,81 @@
+"""A page whose process dies, and a page that floods the bridge: the window keeps a page and stays alive."""
+
+import os
+import signal
+
+from harness import waiting
+from harness.case import set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
+from harness.weather import DID_FAIL, JOIN_URL, NET_TEST, RESTORED, WeatherCase, web_processes
+
+FAILED = NET_TEST + JOIN_URL
+DIED = [DID_FAIL + "The Web Content process was terminated.", FAILED]
+CONSOLE = "handleMessageFromWebView(message:) : Console Message from WebView: "
+
+
+class Crashes(WeatherCase):
+    def setUp(self):
+        super().setUp()
+        self._killed = []
+
+    def living(self):
+        """The process of the page that is shown: a picture of the window may still be the dead one's."""
+        return waiting.until(lambda: [one for one in web_processes() if one not in self._killed], "a web process")[0]
+
+    def kill(self):
+        pid = self.living()
+        self._killed.append(pid)
+        os.kill(pid, signal.SIGKILL)
+
+    def test_the_join_page_comes_back_however_often_it_dies(self):
+        self.start()
+        for death in range(1, 5):
+            self.shows("join")
+            self.forget_requests()
+            mark = self.log.mark()
+            self.kill()
+            self.log.wait_for(FAILED, mark)
+            self.log.wait_for(RESTORED, mark)
+            self.page.wait_until_loaded()
+            self.shows("join")
+            self.assertEqual(self.weather_lines(mark), [*DIED, RESTORED])
+            self.assertIn(len(self.loads()), (1, 2), "the restoration's, and at most one attempt before")
+            self.tell(f"web process dies, {death}. time", "join", self.weather_lines(mark), **self.counts())
+
+    def test_the_offline_page_comes_back(self):
+        self.server_down()
+        self.start(wait_for_page=False)
+        for _ in range(5):
+            self.shows("offline")
+            self.kill()
+        self.living()
+        self.shows("offline")
+        self.assertEqual(self.weather_lines(), [FAILED])
+        self.assertEqual(self.join_requests(), [])
+        self.tell("web process of the offline page dies 5 times", "offline", self.weather_lines(), **self.counts())
+        self.good_again()
+        self.comes_back("web process of the offline page dies 5 times", 0, [FAILED])
+
+    def test_the_misconfiguration_page_comes_back(self):
+        self.start({"DC": "com"}, wait_for_page=False)
+        for _ in range(4):
+            self.shows("misconfiguration")
+            self.kill()
+        # After a fourth time in ten seconds it is left in peace for a while.
+        self.living()
+        self.shows("misconfiguration")
+        self.assertEqual(self.join_requests(), [])
+
+
+class Flood(WeatherCase):
+    def test_ten_thousand_messages(self):
+        self.start()
+        self.shows("join")
+        mark = self.log.mark()
+        self.page.eval("for (let i = 0; i < 10000; ++i) post('consoleHandler', 'message ' + i)", timeout=60)
+        self.page.barrier()
+        self.log.wait_for(CONSOLE + "message 9999", mark, seconds=60)
+        self.assertEqual(self.lines_of(mark, CONSOLE), [f"{CONSOLE}message {number}" for number in range(10000)])
+        self.page.post("sendLumoraTitleToNative", "still here")
+        waiting.until(lambda: self.application.title() == "still here", "the title after the flood")
+        self.shows("join")
+        self.close()
