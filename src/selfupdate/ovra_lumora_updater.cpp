@@ -76,6 +76,7 @@ void OvraLumoraUpdater::downloadFinished(const platform::HttpDownload& download)
         NotificationCenter::defaultCenter().post(kRetryDownloadNotification, this);
         return;
     }
+    std::lock_guard turn(imageMutex());
     if (saveDownloadedImage(kDownloadCompletion, download, lumoraImagePath()))
         mountingOvraLumoraDmg();
 }

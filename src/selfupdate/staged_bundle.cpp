@@ -12,8 +12,15 @@ std::string stagingFolder() {
 
 std::string lumoraImagePath() { return stagingFolder() + "OvraTesselLumora.dmg"; }
 
+// A chain may still hold either at exit: they are never destroyed.
+
+std::mutex& imageMutex() {
+    static auto* mutex = new std::mutex;
+    return *mutex;
+}
+
 std::mutex& stagedBundleMutex() {
-    static auto* mutex = new std::mutex; // a chain may still hold it at exit
+    static auto* mutex = new std::mutex;
     return *mutex;
 }
 

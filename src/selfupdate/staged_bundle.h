@@ -11,6 +11,10 @@ namespace lumora {
 /// This application's downloaded disk image, in the same folder until its bundle is staged.
 [[nodiscard]] std::string lumoraImagePath();
 
+/// Held from the image's arrival in the folder to its removal. Two chains of one run share the image's path and the
+/// volume: the end of one would take them from under the other, which has removed the staged bundle by then.
+[[nodiscard]] std::mutex& imageMutex();
+
 /// The bundle's name, staged and installed alike.
 inline constexpr const char* kLumoraBundleName = "Ovra Tessel Lumora.app";
 
