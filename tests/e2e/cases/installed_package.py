@@ -128,6 +128,29 @@ class OrdinaryUser(case.EndToEndCase):
                           "eu.ovratessel.example , LumoraToken : their-own , DC = eu")
 
 
+    def test_uninstalling_while_it_runs_leaves_nothing_of_it_in_the_home(self):
+        self.start_as_kim()
+        self.wait_for_launch_checks()
+        self.join()
+        self.wait_for_install()
+        self.addCleanup(machine.dpkg, "--install", *RELEASE.glob("*.deb"))
+        copy = pathlib.Path("/tmp/ovra_uninstall_4711.sh")
+        shutil.copyfile(places.BUNDLE / "Contents/Resources/uninstall_lumora.sh", copy)
+
+        # As polkit's program starts it once the administrator has agreed.
+        done = subprocess.run(["/usr/libexec/ovra-tessel-lumora/administrator-shell", f"/bin/bash '{copy}' --skip-kill 2>&1"],
+                              env={"PATH": "/usr/bin:/bin", "HOME": "/root", "PKEXEC_UID": str(UID)},
+                              stdout=subprocess.PIPE, text=True, check=False)
+        self.assertEqual(done.returncode, 0, done.stdout)
+        self.assertTrue(self.application.running())
+        self.close()
+
+        # The desktop's libraries keep caches of their own there.
+        left = [str(path.relative_to(self.home.path)) for path in self.home.path.rglob("*")]
+        self.assertEqual([path for path in left if not path.startswith((".cache", ".config", ".local"))], [])
+        self.assertEqual([path for path in left if "ovra" in path.lower() or "lumora" in path.lower()], [])
+        self.assertFalse(places.BUNDLE.exists())
+
     def test_offered_update_cannot_replace_the_administrators_bundle_and_leaves_it_whole(self):
         served = self.data_centre.images / "OvraTesselLumora.dmg"
         shutil.copyfile(RELEASE / served.name, served)
