@@ -206,10 +206,10 @@ find_home() {
 
 # The processes of the user that run one of the installed bundles.
 running() {
-    local process program
+    local owner process program
     if [[ $SYSTEM == Darwin ]]; then
-        ps -axww -U "$USER_ID" -o pid= -o comm= | while read -r process program; do
-            is_program "$program" && printf '%s\n' "$process"
+        ps -axww -o uid= -o pid= -o comm= | while read -r owner process program; do
+            [[ $owner == "$USER_ID" ]] && is_program "$program" && printf '%s\n' "$process"
         done
         return 0
     fi
