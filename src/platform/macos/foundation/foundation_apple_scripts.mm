@@ -16,9 +16,9 @@ class FoundationAppleScript final : public AppleScript {
             NSDictionary<NSString*, id>* error = nil;
             if ([script_ executeAndReturnError:&error] != nil)
                 return std::nullopt;
-            const auto number = valueFrom<std::int64_t>(error[NSAppleScriptErrorNumber]);
+            const auto number = valueFrom<std::int64_t>([error objectForKey:NSAppleScriptErrorNumber]);
             return AppleScriptError{static_cast<int>(number.value_or(0)),
-                                    valueFrom<std::string>(error[NSAppleScriptErrorMessage])};
+                                    valueFrom<std::string>([error objectForKey:NSAppleScriptErrorMessage])};
         });
     }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/file_manager.h"
+#include "platform/posix/folder_hold.h"
 
 namespace lumora::platform::macos_backend {
 
@@ -19,6 +20,9 @@ class FoundationFileManager final : public FileManager {
     Result<void> overwriteFile(const std::string& path, std::string_view contents) override;
     Result<std::uint64_t> fileSize(const std::string& path) override;
     Result<void> truncateFile(const std::string& path) override;
+    std::shared_ptr<void> holdFolder(const std::string& path) override {
+        return posix_backend::holdFolder(path);
+    }
 };
 
 } // namespace lumora::platform::macos_backend

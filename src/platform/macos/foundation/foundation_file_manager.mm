@@ -23,10 +23,10 @@ NSString* besides(NSString* path) {
 NSDictionary* dictionaryOf(const FileAttributes& attributes) {
     NSMutableDictionary* dictionary = [NSMutableDictionary dictionary];
     if (attributes.posixPermissions)
-        dictionary[NSFilePosixPermissions] = @(*attributes.posixPermissions);
+        [dictionary setObject:@(*attributes.posixPermissions) forKey:NSFilePosixPermissions];
     if (@available(macOS 11.0, *)) {
         if (attributes.completeProtection)
-            dictionary[NSFileProtectionKey] = NSFileProtectionComplete;
+            [dictionary setObject:NSFileProtectionComplete forKey:NSFileProtectionKey];
     }
     return dictionary;
 }

@@ -58,7 +58,8 @@ NSError* refusalOf(const HttpRequest& request, bool isSessionInvalid) {
     const auto refusal = [](NSInteger code, NSString* text, NSURL* url) {
         NSMutableDictionary* details = [NSMutableDictionary dictionaryWithObject:text
                                                                           forKey:NSLocalizedDescriptionKey];
-        details[NSURLErrorFailingURLErrorKey] = url;
+        if (url != nil)
+            [details setObject:url forKey:NSURLErrorFailingURLErrorKey];
         return [NSError errorWithDomain:NSURLErrorDomain code:code userInfo:details];
     };
     if (!request.url)

@@ -18,27 +18,31 @@ bool isXml(const std::string& text) {
            text.find("\xEF\xBF\xBF") == text.npos;
 }
 
+NSError* errorWithCode(NSInteger code) {
+    return [NSError errorWithDomain:NSCocoaErrorDomain code:code userInfo:nil];
+}
+
 } // namespace
 
 Result<PropertyListValue> FoundationPropertyLists::parse(std::string_view bytes) {
     return atPort([&]() -> Result<PropertyListValue> {
-        NSError* error = nil;
-        NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.size()];
-        id list = [NSPropertyListSerialization propertyListWithData:data
+        NSError* error = errorWithCode(NSPropertyListReadCorruptError);
+        NSPropertyListFormat format = NSPropertyListOpenStepFormat;
+        id list = [NSPropertyListSerialization propertyListWithData:[NSData dataWithBytes:bytes.data()
+                                                                                   length:bytes.size()]
                                                             options:NSPropertyListImmutable
-                                                             format:nullptr
+                                                             format:&format
                                                               error:&error];
-        if (auto value = valueFrom(list))
-            return std::move(*value);
-        return errorOf(error);
+        auto value = valueFrom(list);
+        if (!value || format == NSPropertyListOpenStepFormat) // to that old form nearly any text is a string
+            return errorOf(error);
+        return std::move(*value);
     });
 }
 
 Result<std::string> FoundationPropertyLists::serializeXml(const PropertyListValue& value) {
     return atPort([&]() -> Result<std::string> {
-        NSError* error = [NSError errorWithDomain:NSCocoaErrorDomain
-                                             code:NSPropertyListWriteInvalidError
-                                         userInfo:nil];
+        NSError* error = errorWithCode(NSPropertyListWriteInvalidError);
         id list = objectFrom(value);
         NSData* data = list == nil
                            ? nil

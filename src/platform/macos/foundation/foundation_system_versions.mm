@@ -10,8 +10,8 @@ static NSString* const kVersionFile = @"/System/Library/CoreServices/SystemVersi
 SystemVersion FoundationSystemVersions::current() {
     return atPort([] {
         NSDictionary* file = [NSDictionary dictionaryWithContentsOfFile:kVersionFile];
-        return SystemVersion{valueFrom<std::string>(file[@"ProductName"]),
-                             valueFrom<std::string>(file[@"ProductVersion"])};
+        return SystemVersion{valueFrom<std::string>([file objectForKey:@"ProductName"]),
+                             valueFrom<std::string>([file objectForKey:@"ProductVersion"])};
     });
 }
 

@@ -23,7 +23,7 @@ inline std::string textOf(NSString* text) {
 
 /// A platform error as the core's; nil, which no failure should give, is one without domain.
 inline Error errorOf(NSError* error) {
-    NSURL* failing = error.userInfo[NSURLErrorFailingURLErrorKey];
+    NSURL* failing = [error.userInfo objectForKey:NSURLErrorFailingURLErrorKey];
     return {textOf(error.domain), static_cast<int>(error.code), textOf(error.localizedDescription),
             failing == nil ? std::nullopt : std::optional(textOf(failing.absoluteString))};
 }
