@@ -9,12 +9,12 @@ import subprocess
 from harness import places, waiting
 from harness.log_file import Log
 
-EXECUTABLE = places.BUNDLE / "Contents/MacOS/Ovra Tessel Lumora"
+EXECUTABLE = "Contents/MacOS/Ovra Tessel Lumora"
 
 
-def install():
-    shutil.rmtree(places.BUNDLE, ignore_errors=True)
-    shutil.copytree(places.BUILT_BUNDLE, places.BUNDLE, symlinks=True)
+def install(bundle=places.BUNDLE):
+    shutil.rmtree(bundle, ignore_errors=True)
+    shutil.copytree(places.BUILT_BUNDLE, bundle, symlinks=True)
 
 
 def windows_of(pid):
@@ -27,16 +27,17 @@ def windows_of(pid):
 class Application:
     """One process. arguments are preference pairs, {"DC": "com"} becoming -DC com.
 
-    The agent that it starts only writes its record and ends, unless agent_window asks for its window too.
+    It runs from the given bundle. The agent that it starts only writes its record and ends, unless agent_window asks
+    for its window too.
     """
 
-    def __init__(self, home, arguments, environment=None, agent_window=False):
+    def __init__(self, home, arguments, environment=None, agent_window=False, bundle=places.BUNDLE):
         self.home = home
         self.log = Log(home)
         self._output = open(home.console, "ab")
         words = [word for key, value in arguments.items() for word in (f"-{key}", value)]
         self._process = subprocess.Popen(
-            [EXECUTABLE, *words], cwd="/", stdin=subprocess.DEVNULL, stdout=self._output, stderr=self._output,
+            [bundle / EXECUTABLE, *words], cwd="/", stdin=subprocess.DEVNULL, stdout=self._output, stderr=self._output,
             env=os.environ | {
                 "HOME": str(home.path),
                 "XDG_DATA_HOME": str(home.path / ".local/share"),

@@ -62,6 +62,7 @@ class EndToEndCase(unittest.TestCase):
 
     maxDiff = None
     bare_page = True
+    bundle = places.BUNDLE
 
     def setUp(self):
         self._failures_before = self._failures()
@@ -109,7 +110,7 @@ class EndToEndCase(unittest.TestCase):
             arguments = {"DC": "com", "LumoraToken": TOKEN, "pathForLumora": "join"}
         self.log = Log(self.home)
         self.started = self.log.mark()
-        self.application = application.Application(self.home, arguments, environment)
+        self.application = application.Application(self.home, arguments, environment, bundle=self.bundle)
         if wait_for_page:
             self.page.wait_until_loaded()
         return self.application

@@ -54,6 +54,23 @@ class DataCentre:
         self.make_agent_image(version)
         self.changed_image = True
 
+    @property
+    def application_image(self):
+        return self.images / "OvraTesselLumora.dmg"
+
+    def provide_application_image(self, version, bundle=places.BUILT_BUNDLE):
+        """Serves an image of this application, made once for the module."""
+        made = self._folder / f"{version}.dmg"
+        if not made.exists():
+            self._command("image", "application", "--output", made, "--bundle", bundle, "--version", version)
+        self.application_image.unlink(missing_ok=True)
+        os.link(made, self.application_image)
+
+    def replace_application_image(self, content):
+        """Serves these bytes as the application's image, until the next test."""
+        self.application_image.unlink(missing_ok=True)
+        self.application_image.write_bytes(content)
+
     def serve(self):
         self._process = subprocess.Popen(
             [places.DATACENTRE, "serve", "--data", self._folder, "--listen", ADDRESS, "--control", CONTROL,

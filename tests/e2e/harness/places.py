@@ -12,6 +12,7 @@ BUNDLE = pathlib.Path(os.environ.get("LUMORA_INSTALLED_BUNDLE", "/Applications/O
 VOLUME = pathlib.Path("/Volumes/Ovra")
 TRUST_STORE = pathlib.Path("/etc/ssl/certs/ca-certificates.crt")
 DOMAIN = "com.ovra.tessel.OvraTesselLumora"
+MANAGED_PREFERENCES = pathlib.Path(f"/Library/Managed Preferences/{DOMAIN}.plist")
 
 
 def volumes():
@@ -32,6 +33,8 @@ class Home:
         self.image = self.agent_folder / "OvraMac.dmg"
         self.join_details = self.agent_folder / "ovrajoindetails.conf"
         self.support_folder = self.library / "Application Support/OvraLumoraNativeFolder"
+        self.staged_bundle = self.support_folder / "Ovra Tessel Lumora.app"
+        self.update_image = self.support_folder / "OvraTesselLumora.dmg"
         self.log_folder = self.library / "Logs/OvraTessel/OvraLumora"
         self.log = self.log_folder / "ovraLumora.log"
         self.connection_settings = self.library / "Logs/OvraTessel/ConnectionSettings.plist"
