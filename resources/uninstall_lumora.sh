@@ -37,7 +37,8 @@ failure() {
     printf '%s\n' "$1"
 }
 
-# Prints the first thing that rm complains of, which may be one of thousands. What is mounted in a folder of ours is not ours.
+# Prints the first thing that rm complains of, which may be one of thousands. What is mounted in a folder of ours is
+# not ours.
 remove_tree() {
     if [[ $SYSTEM == Darwin ]]; then
         rm -rfx -- "$1" 2>&1 | head -n 1
@@ -52,7 +53,7 @@ bears_our_name() {
     shopt -s nocasematch
     case ${1##*/} in
         *Ovra*Lumora* | com.ovra.tessel.* | .com.ovra.tessel.* | OvraTessel | OvraVarloNative) ours=0 ;;
-        ConnectionSettings.plist | .lumora-*) ours=0 ;;
+        ConnectionSettings.plist | .lumora-* | lumora-download-*) ours=0 ;;
     esac
     shopt -u nocasematch
     return "$ours"
@@ -344,6 +345,16 @@ clear_desktop() {
     discard_empty "$data/applications" "$data/icons/hicolor" "$data/icons"
 }
 
+# Downloads that were cut off. Anybody may put something of that name there.
+discard_downloads() {
+    local path
+    for path in /tmp/lumora-download-??????; do
+        if [[ -O $path ]]; then
+            discard "$path"
+        fi
+    done
+}
+
 # Everything in the home folder. Runs with the user's own rights, so that a link planted there opens nothing else.
 clear_home() {
     discard "$USER_BUNDLE"
@@ -355,6 +366,7 @@ clear_home() {
     if [[ $SYSTEM != Darwin ]]; then
         discard_empty "$HOME_FOLDER/Applications"
         clear_desktop
+        discard_downloads
     fi
     if [[ $FAILED == 1 ]]; then
         exit 1

@@ -78,6 +78,13 @@ class OrdinaryUser(UninstallCase):
         decoys.own(self.home, UID)
         self.assert_removed(self.uninstall(uid=UID))
 
+    def test_write_protected_folders_of_his_own_go_too(self):
+        decoys.make_bundle(self.bundle)
+        decoys.own(self.home, UID)
+        for place, _, _ in os.walk(self.bundle, topdown=False):
+            os.chmod(place, 0o500)
+        self.assert_removed(self.uninstall(uid=UID))
+
     def test_system_installation_is_refused_before_anything_is_lost(self):
         decoys.make_bundle(decoys.BUNDLE)
         decoys.make_bundle(self.bundle)
