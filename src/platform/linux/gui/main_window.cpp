@@ -44,7 +44,8 @@ int fittingHeight(GdkDisplay* display) {
 
 MainWindow::MainWindow(GtkApplication* application, WebKitWebView* view, std::function<void()> closed)
     : window_(ObjectRef<GtkWindow>::retain(GTK_WINDOW(gtk_application_window_new(application)))),
-      closed_(std::move(closed)), signals_(window_.get()) {
+      colourScheme_(gtk_widget_get_settings(GTK_WIDGET(window_.get()))), closed_(std::move(closed)),
+      signals_(window_.get()) {
     gtk_window_set_title(window_.get(), kFirstTitle);
     GdkDisplay* display = gtk_widget_get_display(GTK_WIDGET(window_.get()));
     gtk_window_set_default_size(window_.get(), kWidth, fittingHeight(display));

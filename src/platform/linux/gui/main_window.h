@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/glib_handles.h"
+#include "platform/linux/gui/desktop_colour_scheme.h"
 #include "platform/web_view.h"
 
 #include <gtk/gtk.h>
@@ -30,6 +31,7 @@ class MainWindow final : public Window {
     static gboolean closeRequested(GtkWindow* window, gpointer self);
 
     ObjectRef<GtkWindow> window_;
+    DesktopColourScheme colourScheme_;
     std::function<void()> closed_;
     SignalConnections signals_;
     bool open_ = true;

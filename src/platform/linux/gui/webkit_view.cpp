@@ -1,7 +1,9 @@
 #include "platform/linux/gui/webkit_view.h"
 
+#include "platform/linux/gui/keyboard_focus.h"
 #include "platform/linux/gui/load_errors.h"
 #include "platform/linux/gui/page_requests.h"
+#include "platform/linux/gui/reader_languages.h"
 
 namespace lumora::platform::linux_backend {
 
@@ -37,8 +39,10 @@ LoadTracker::FailureKind kindOf(const GError& error) {
 
 ObjectRef<WebKitWebView> makeView() {
     const auto context = ObjectRef<WebKitWebContext>::adopt(webkit_web_context_new());
+    speakReadersLanguages(context.get());
     auto view = ObjectRef<WebKitWebView>::retain(
         WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context.get(), nullptr)));
+    keepFocusOffHiddenParts(view.get());
     applySettings(webkit_web_view_get_settings(view.get()));
     answerPageRequestsSilently(view.get());
     return view;
@@ -63,7 +67,8 @@ WebKitView::WebKitView(MainLoop& loop, const std::string& deepLinkScheme)
                                                     if (delegate_ != nullptr)
                                                         delegate_->didReceiveScriptMessage(message);
                                                 }),
-      gate_(view_.get(), tracker_, deepLinkScheme, [this] { return delegate_; }), signals_(view_.get()) {
+      announcement_(view_.get()), gate_(view_.get(), tracker_, deepLinkScheme, [this] { return delegate_; }),
+      signals_(view_.get()) {
     signals_.connect("load-changed", &WebKitView::loadChanged, this);
     signals_.connect("load-failed", &WebKitView::loadFailed, this);
     signals_.connect("load-failed-with-tls-errors", &WebKitView::certificateRejected, this);

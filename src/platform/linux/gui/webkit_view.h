@@ -2,6 +2,7 @@
 
 #include "platform/linux/gui/load_tracker.h"
 #include "platform/linux/gui/navigation_gate.h"
+#include "platform/linux/gui/page_announcement.h"
 #include "platform/linux/gui/script_messages.h"
 #include "platform/main_loop.h"
 #include "platform/web_view.h"
@@ -54,6 +55,7 @@ class WebKitView final : public WebView {
     WebViewDelegate* delegate_ = nullptr;
     LoadTracker tracker_;
     ScriptMessages messages_;
+    PageAnnouncement announcement_;
     NavigationGate gate_;
     SignalConnections signals_;
     std::unique_ptr<Timer> timeout_; ///< from the host's load until its page is shown
