@@ -1,3 +1,4 @@
+#include "platform/linux/glib_handles.h"
 #include "platform/linux/gui/main_menu.h"
 
 #include <gtest/gtest.h>
@@ -47,7 +48,7 @@ class MainMenu : public ::testing::Test {
   protected:
     MainMenu()
         : application(ObjectRef<GtkApplication>::adopt(
-              gtk_application_new("com.ovra.tessel.Tests", G_APPLICATION_NON_UNIQUE))) {
+              gtk_application_new(freshIdentifier().c_str(), G_APPLICATION_NON_UNIQUE))) {
         g_application_register(G_APPLICATION(application.get()), nullptr, nullptr);
         menu = installMenuBar(application.get(), {[this] { ++quits; }, [this] { ++logFolders; }});
     }
@@ -86,6 +87,12 @@ class MainMenu : public ::testing::Test {
             return false;
         g_action_group_activate_action(group, name.c_str(), nullptr);
         return true;
+    }
+
+    /// Two applications of one process cannot be registered under one name.
+    static std::string freshIdentifier() {
+        static int made = 0;
+        return "com.ovra.tessel.Tests" + std::to_string(++made);
     }
 
     static constexpr const char* kUninstallLabel = "_Uninstall Ovra Tessel Lumora";
@@ -180,8 +187,9 @@ TEST_F(MainMenu, otherRowsStayWhereTheyAreWhenOneIsRewired) {
     ASSERT_EQ(before.size(), after.size());
     for (std::size_t i = 0; i < before.size(); ++i) {
         EXPECT_EQ(before[i].first, after[i].first);
-        if (before[i].first != kUninstallLabel)
+        if (before[i].first != kUninstallLabel) {
             EXPECT_EQ(before[i].second, after[i].second);
+        }
     }
 }
 
