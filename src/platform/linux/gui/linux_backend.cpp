@@ -1,5 +1,6 @@
 #include "platform/linux/gui/linux_backend.h"
 
+#include "config/log_handler.h"
 #include "platform/linux/gui/modal_loop.h"
 
 namespace lumora::platform::linux_backend {
@@ -56,8 +57,7 @@ Ports LinuxBackend::ports() {
 std::string LinuxBackend::resourceFolder() { return bundles_.mainBundlePath() + "/Contents/Resources"; }
 
 void LinuxBackend::openLogFolder() {
-    const std::string folder = fileManager_.libraryDirectory() + "/Logs/OvraTessel/OvraLumora";
-    if (const CharPointer uri{g_filename_to_uri(folder.c_str(), nullptr, nullptr)})
+    if (const CharPointer uri{g_filename_to_uri(LogHandler::logFolder().c_str(), nullptr, nullptr)})
         workspace_.openUrl(uri.get());
 }
 

@@ -2,10 +2,9 @@
 
 #include "platform/linux/glib_handles.h"
 #include "platform/linux/gui/menu_entries.h"
+#include "webhost/page_zoom.h"
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <memory>
 #include <utility>
 
@@ -51,13 +50,8 @@ constexpr EditingRow kEditing[] = {
     {"paste", WEBKIT_EDITING_COMMAND_PASTE}, {"select-all", WEBKIT_EDITING_COMMAND_SELECT_ALL},
 };
 
-constexpr double kZoomStep = 1.1;
-constexpr double kSmallestZoom = 0.5;
-constexpr double kLargestZoom = 3.0;
-
-void zoom(WebKitWebView* view, double factor) {
-    const double level = webkit_web_view_get_zoom_level(view) * factor;
-    webkit_web_view_set_zoom_level(view, std::clamp(level, kSmallestZoom, kLargestZoom));
+void zoom(WebKitWebView* view, double (*next)(double level)) {
+    webkit_web_view_set_zoom_level(view, next(webkit_web_view_get_zoom_level(view)));
 }
 
 /// Builds the menu bar for the screen and, beside it, the one that the core sees.
@@ -107,8 +101,8 @@ void installWindowActions(GtkApplicationWindow* window, WebKitWebView* view) {
         addAction(map, row.action,
                   [view, command = row.command] { webkit_web_view_execute_editing_command(view, command); });
     addAction(map, "reload", [view] { webkit_web_view_reload(view); });
-    addAction(map, "zoom-in", [view] { zoom(view, kZoomStep); });
-    addAction(map, "zoom-out", [view] { zoom(view, 1 / kZoomStep); });
+    addAction(map, "zoom-in", [view] { zoom(view, zoomedIn); });
+    addAction(map, "zoom-out", [view] { zoom(view, zoomedOut); });
     addAction(map, "zoom-reset", [view] { webkit_web_view_set_zoom_level(view, 1); });
     addAction(map, "minimise", [window] { gtk_window_minimize(GTK_WINDOW(window)); });
     addAction(map, "close-window", [window] { gtk_window_close(GTK_WINDOW(window)); });
