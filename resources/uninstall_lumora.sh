@@ -229,29 +229,56 @@ is_program() {
 
 # Neither ended nor waiting for its parent to notice.
 lives() {
+    local state
     if [[ $SYSTEM == Darwin ]]; then
         kill -0 "$1" 2>/dev/null
     else
-        [[ -e /proc/$1/exe ]]
+        { read -r state <"/proc/$1/stat"; } 2>/dev/null && [[ ${state##*) } != Z* ]]
     fi
 }
 
+# Prints processes and everything that they have started: the web view's processes write their data when they end.
+families() {
+    local all=" $* " processes process parent before=''
+    processes=$(ps -ax -o pid= -o ppid= 2>/dev/null)
+    while [[ $all != "$before" ]]; do
+        before=$all
+        while read -r process parent; do
+            if [[ $all == *" $parent "* && $all != *" $process "* ]]; then
+                all="$all$process "
+            fi
+        done <<END
+$processes
+END
+    done
+    printf '%s\n' "$all"
+}
+
+# Waits until none of the processes lives, or for so many seconds.
+await_end() {
+    local seconds=$1 process start=$SECONDS
+    shift
+    for process in "$@"; do
+        while lives "$process" && [[ $((SECONDS - start)) -lt $seconds ]]; do
+            sleep 0.1
+        done
+    done
+}
+
 stop_running() {
-    local processes process round
-    processes=$(running)
-    for process in $processes; do
+    local process
+    for process in $1; do
         kill -TERM "$process" 2>/dev/null && printf 'Asked process %s to end\n' "$process"
     done
-    for process in $processes; do
-        round=0
-        while lives "$process" && [[ $round -lt 100 ]]; do
-            sleep 0.1
-            round=$((round + 1))
-        done
+    # shellcheck disable=SC2086  # numbers
+    await_end 10 $2
+    for process in $1; do
         if lives "$process" && kill -KILL "$process" 2>/dev/null; then
             printf 'Ended process %s\n' "$process"
         fi
     done
+    # shellcheck disable=SC2086
+    await_end 10 $2
 }
 
 # Images that a download left mounted. The image tool of the bundle knows which volumes are its own.
@@ -314,25 +341,39 @@ clear_library() {
 clear_macos_library() {
     discard_beginning "$1/Preferences/ByHost" "$DOMAIN."
     discard "$1/Saved Application State/$DOMAIN.savedState"
-    discard "$1/Cookies/$DOMAIN.binarycookies"
-    discard "$1/HTTPStorages/$DOMAIN.binarycookies"
-    local folder
-    for folder in Caches WebKit HTTPStorages; do
-        discard "$1/$folder/$DOMAIN"
-    done
 }
 
-# Web data, caches, and what the per-user installer has put in the user's menus.
-clear_desktop() {
-    local data=$HOME_FOLDER/.local/share cache=$HOME_FOLDER/.cache size icon
-    if [[ ${XDG_DATA_HOME:-} == /* ]]; then
-        data=$XDG_DATA_HOME
+# Sets REPLY to the folder that the environment names, or else to the usual one in the home folder.
+desktop_folder() {
+    REPLY=$HOME_FOLDER/$2
+    if [[ $1 == /* ]]; then
+        REPLY=$1
     fi
-    if [[ ${XDG_CACHE_HOME:-} == /* ]]; then
-        cache=$XDG_CACHE_HOME
+}
+
+# What the web view keeps: storage, cookies, caches.
+clear_web_data() {
+    local folder
+    if [[ $SYSTEM == Darwin ]]; then
+        for folder in Caches WebKit HTTPStorages; do
+            discard "$HOME_FOLDER/Library/$folder/$DOMAIN"
+        done
+        for folder in Cookies HTTPStorages; do
+            discard "$HOME_FOLDER/Library/$folder/$DOMAIN.binarycookies"
+        done
+    else
+        desktop_folder "${XDG_DATA_HOME:-}" .local/share
+        discard "$REPLY/$DOMAIN"
+        desktop_folder "${XDG_CACHE_HOME:-}" .cache
+        discard "$REPLY/$DOMAIN"
     fi
-    discard "$data/$DOMAIN"
-    discard "$cache/$DOMAIN"
+}
+
+# What the per-user installer has put in the user's menus.
+clear_menus() {
+    local data size icon
+    desktop_folder "${XDG_DATA_HOME:-}" .local/share
+    data=$REPLY
     discard "$data/applications/$DOMAIN.desktop"
     for size in "$data"/icons/hicolor/*; do
         for icon in "$size/apps/$DOMAIN".png "$size/apps/$DOMAIN".svg; do
@@ -355,6 +396,14 @@ discard_downloads() {
     done
 }
 
+# An application that is left running ends a little later, and its web view then writes once more. Nobody waits for
+# this.
+clear_once_more() {
+    # shellcheck disable=SC2086  # numbers
+    await_end 86400 $STILL_RUNNING
+    clear_web_data
+}
+
 # Everything in the home folder. Runs with the user's own rights, so that a link planted there opens nothing else.
 clear_home() {
     discard "$USER_BUNDLE"
@@ -363,13 +412,17 @@ clear_home() {
     fi
     discard_unfinished "$HOME_FOLDER/Applications"
     clear_library
+    clear_web_data
     if [[ $SYSTEM != Darwin ]]; then
         discard_empty "$HOME_FOLDER/Applications"
-        clear_desktop
+        clear_menus
         discard_downloads
     fi
     if [[ $FAILED == 1 ]]; then
         exit 1
+    fi
+    if [[ -n $STILL_RUNNING ]]; then
+        clear_once_more </dev/null >/dev/null 2>&1 &
     fi
     exit $((FOUND == 1 ? 0 : 3))
 }
@@ -377,7 +430,7 @@ clear_home() {
 # Runs one of the operations above as the user, in a shell of its own: this file may lie where he cannot read it.
 as_user() {
     local program
-    program="set -u; $(declare -p NAME DOMAIN SYSTEM HOME_FOLDER USER_BUNDLE SYSTEM_BUNDLE USER_ID)
+    program="set -u; $(declare -p NAME DOMAIN SYSTEM HOME_FOLDER USER_BUNDLE SYSTEM_BUNDLE USER_ID STILL_RUNNING)
 FOUND=0 FAILED=0
 $(declare -f)
 $1"
@@ -484,7 +537,7 @@ usage() {
 }
 
 main() {
-    local kill_first=1 user_only=0 option
+    local kill_first=1 user_only=0 option processes
     for option in "$@"; do
         case $option in
             --skip-kill) kill_first=0 ;;
@@ -503,8 +556,14 @@ main() {
         refuse_without_rights
     fi
 
+    processes=$(running)
+    STILL_RUNNING=
+    if [[ -n $processes ]]; then
+        # shellcheck disable=SC2086  # numbers
+        STILL_RUNNING=$(families $processes)
+    fi
     if [[ $kill_first == 1 ]]; then
-        stop_running
+        stop_running "$processes" "$STILL_RUNNING"
     fi
     if [[ -n $HOME_FOLDER ]]; then
         as_user detach_volumes

@@ -53,13 +53,13 @@ class UninstallCase(unittest.TestCase):
         self.neighbours = decoys.tree(self.home)
         self.bundle = self.home / f"Applications/{decoys.NAME}.app"
 
-    def uninstall(self, *options, home=None, uid=0, environment=None):
+    def uninstall(self, *options, home=None, uid=0, environment=None, folder="/"):
         """As the application does: bash, the copy, --skip-kill, both streams as one."""
         variables = {"HOME": str(self.home if home is None else home), "PATH": os.environ["PATH"]} | (environment or {})
         as_user = ["setpriv", f"--reuid={uid}", f"--regid={uid}", "--clear-groups"] if uid else []
         return Outcome(subprocess.run([*as_user, "/bin/bash", self.script, *(options or ["--skip-kill"])],
                                       env={name: value for name, value in variables.items() if value is not None},
-                                      cwd="/", stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                      cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                       stderr=subprocess.STDOUT, timeout=120, check=False))
 
     def assert_removed(self, outcome):

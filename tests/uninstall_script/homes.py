@@ -73,6 +73,14 @@ class NoHomes(UninstallCase):
                 self.assertEqual(outcome.status, 0, outcome.text)
                 self.assertEqual([path for path in self.account.rglob("*") if path.is_file()], [])
 
+    def test_relative_home_is_none_wherever_the_script_runs(self):
+        decoys.make_stored(HOMES / "kim")
+        before = decoys.tree(HOMES / "kim")
+        for home in ("kim", "./kim", "../homes/kim"):
+            with self.subTest(home):
+                self.assert_nothing_found(self.uninstall(environment={"HOME": home}, folder=HOMES))
+                self.assertEqual(decoys.tree(HOMES / "kim"), before)
+
     def test_root_folder_is_never_taken_for_a_home(self):
         # What a home of "/" would make of the machine's own folders.
         machine = pathlib.Path("/Library/Application Support/OvraVarloNative/file")

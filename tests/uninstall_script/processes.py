@@ -19,6 +19,13 @@ def place_program(bundle):
     shutil.copy2("/bin/sleep", bundle / PROGRAM)
 
 
+def waiting_for(test, condition):
+    deadline = time.monotonic() + 30
+    while not condition():
+        test.assertLess(time.monotonic(), deadline, "not within 30 s")
+        time.sleep(0.02)
+
+
 class Running(UninstallCase):
     def start(self, program, uid=0, command=None):
         process = subprocess.Popen(command or [program, "300"], user=uid, group=uid)
@@ -38,6 +45,27 @@ class Running(UninstallCase):
         self.assert_removed(self.uninstall("--skip-kill"))
         self.assertIsNone(process.poll())
 
+    def test_what_its_web_view_writes_when_it_ends_later_goes_too(self):
+        """The web view's process is a child of the application and may end after it."""
+        place_program(self.bundle)
+        shutil.copy2("/bin/bash", self.bundle / PROGRAM)
+        data = self.home / f".local/share/{decoys.DOMAIN}"
+        ready, written, child = (pathlib.Path("/tmp") / name for name in ("ready", "written", "web view"))
+        child.write_text(f"""trap 'sleep 1; mkdir -p "{data}"; : >"{data}/last"; : >{written}; exit' TERM
+            : >{ready}; while :; do read -r -t 1 <>/tmp/silence; done""", encoding="utf-8")
+        os.mkfifo("/tmp/silence")
+        process = self.start(None, command=[self.bundle / PROGRAM, "-c", f"""/bin/bash '{child}' & child=$!
+            trap 'kill $child; exit' TERM; wait"""])
+        waiting_for(self, ready.exists)
+        decoys.write(data / "storage/salt")
+
+        outcome = self.uninstall("--skip-kill")
+        self.assert_removed(outcome)
+        process.terminate()
+        waiting_for(self, written.exists)
+        waiting_for(self, lambda: not data.exists())
+        self.assertEqual(decoys.tree(self.home), self.neighbours)
+
     def test_without_it_the_running_application_is_asked_to_end(self):
         place_program(self.bundle)
         process = self.start(self.bundle / PROGRAM)
@@ -54,10 +82,7 @@ class Running(UninstallCase):
         os.mkfifo("/tmp/never")
         process = self.start(None, command=[self.bundle / PROGRAM, "-c",
                                             "trap '' TERM; : >/tmp/deaf; while :; do read -r <>/tmp/never; done"])
-        deadline = time.monotonic() + 30
-        while not deaf.exists():
-            self.assertLess(time.monotonic(), deadline)
-            time.sleep(0.02)
+        waiting_for(self, deaf.exists)
         outcome = self.uninstall("--user-only")
         self.assert_removed(outcome)
         self.assertEqual(self.end_of(process), -signal.SIGKILL)
