@@ -9,6 +9,9 @@
 
 namespace lumora {
 
+/// The window's title before anyone gives it another.
+inline constexpr const char* kFirstWindowTitle = "Ovra Tessel Lumora";
+
 /// What the preferences answer for a list of keys: one entry a key, absent values included.
 using PreferenceValues = std::map<std::string, std::optional<platform::PropertyListValue>>;
 

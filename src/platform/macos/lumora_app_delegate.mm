@@ -13,6 +13,12 @@
 using namespace lumora;
 namespace macos_backend = platform::macos_backend;
 
+// Registered last and so run first: no static destructor races what still runs.
+static void leaveAtOnce() {
+    std::fflush(nullptr);
+    _exit(EXIT_SUCCESS);
+}
+
 // Never destroyed: work on other threads may still use them when the process ends.
 @implementation LumoraAppDelegate {
     macos_backend::MacosBackend* _backend;
@@ -51,11 +57,7 @@ namespace macos_backend = platform::macos_backend;
 
 - (void)applicationWillTerminate:(NSNotification*)notification {
     _delegate->applicationWillTerminate();
-    std::atexit(
-        [] { // the last to be registered is the first to run: no static destructor races what still runs
-            std::fflush(nullptr);
-            _exit(EXIT_SUCCESS);
-        });
+    std::atexit(leaveAtOnce);
 }
 
 // Nothing of the window is restored; without this answer the system complains into the log.

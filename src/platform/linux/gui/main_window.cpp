@@ -1,6 +1,7 @@
 #include "platform/linux/gui/main_window.h"
 
 #include "platform/linux/gui/main_menu.h"
+#include "webhost/window_title.h"
 
 #include <algorithm>
 
@@ -8,7 +9,6 @@ namespace lumora::platform::linux_backend {
 
 namespace {
 
-constexpr const char* kFirstTitle = "Ovra Tessel Lumora";
 constexpr int kWidth = 1000;
 constexpr int kHeight = 800;
 constexpr int kMostPercentOfMonitor = 85;
@@ -46,7 +46,7 @@ MainWindow::MainWindow(GtkApplication* application, WebKitWebView* view, std::fu
     : window_(ObjectRef<GtkWindow>::retain(GTK_WINDOW(gtk_application_window_new(application)))),
       colourScheme_(gtk_widget_get_settings(GTK_WIDGET(window_.get()))), closed_(std::move(closed)),
       signals_(window_.get()) {
-    gtk_window_set_title(window_.get(), kFirstTitle);
+    gtk_window_set_title(window_.get(), kFirstWindowTitle);
     GdkDisplay* display = gtk_widget_get_display(GTK_WIDGET(window_.get()));
     gtk_window_set_default_size(window_.get(), kWidth, fittingHeight(display));
     if (gdk_display_is_composited(display) == FALSE)

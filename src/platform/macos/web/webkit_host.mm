@@ -3,6 +3,7 @@
 #include "platform/macos/foundation/text.h"
 #include "platform/macos/web/webkit_view.h"
 #include "webhost/page_zoom.h"
+#include "webhost/window_title.h"
 
 /// Its subviews fill it: they have no resizing rules of their own.
 @interface LumoraContentView : NSView
@@ -90,7 +91,7 @@ Window* WebKitHost::window() { return content_->window != nil ? content_.get() :
 void WebKitHost::openWindow(std::function<void()> viewDidLoad) {
     content_->controller.didLoad = std::move(viewDidLoad);
     content_->window = [NSWindow windowWithContentViewController:content_->controller];
-    content_->window.title = @"Ovra Tessel Lumora";
+    content_->window.title = @(lumora::kFirstWindowTitle);
     content_->window.contentMinSize = NSMakeSize(360, 320);
     [content_->window center];
     [content_->window makeFirstResponder:content_->controller.webView];

@@ -54,11 +54,11 @@ class WebKitView final : public WebView {
     void loadFile(const std::string& path, const std::string& readAccessFolder) override {
         atPort([&] {
             NSURL* file = [NSURL fileURLWithPath:nsString(path)];
-            if (isFile(engineDelegate_->journal.awaited(), file))
+            LoadJournal& journal = engineDelegate_->journal;
+            if (isFile(journal.awaited(), file))
                 return;
-            if (isFile(engineDelegate_->journal.standing(), file)) {
-                engineDelegate_->journal
-                    .hostWithdraws(); // the page stays; what was to replace it does not come
+            if (isFile(journal.standing(), file)) { // it stays; what was to replace it does not come
+                journal.hostWithdraws();
                 [view_ stopLoading];
                 return;
             }
