@@ -103,6 +103,22 @@ class Work(PackagingScript):
         self.assertNotIn("--options", signing)
         self.assertNotIn("--entitlements", signing)
 
+    def test_the_libraries_are_built_for_both_processors_and_the_oldest_system(self):
+        self.tools.add("git", 'mkdir -p "${@: -1}"')
+        for name in ("cmake", "xcrun"):
+            self.tools.add(name)
+        for _ in range(2):
+            outcome = self.tools.run("dependencies", self.tools.root / "libraries")
+            self.assertEqual(0, outcome.returncode, outcome.stderr)
+        self.assertEqual(f"{self.tools.root}/libraries", outcome.stdout.splitlines()[-1])
+        configured = [call for call in self.tools.calls("cmake") if call[0] == "-S"]
+        self.assertEqual(4 * 2, len(configured))
+        for call in configured:
+            self.assertIn("-DCMAKE_OSX_ARCHITECTURES=arm64;x86_64", call)
+            self.assertIn("-DCMAKE_OSX_DEPLOYMENT_TARGET=10.15", call)
+            self.assertIn("-DBUILD_SHARED_LIBS=OFF", call)
+        self.assertEqual(4, len(self.tools.calls("git")), "a second run clones nothing")
+
     def test_the_image_holds_the_bundle_alone_under_the_name_that_self_update_mounts(self):
         bundle = self.tools.folder(BUNDLE)
         self.tools.add("ditto", 'cp -R "$1" "$2"')
