@@ -1,34 +1,29 @@
 """The Debian package as an administrator installs it, not the build folder's bundle: it joins, and it goes again."""
 
-import functools
 import os
 import pathlib
 import shutil
 import subprocess
 import sys
-import unittest
 import unittest.mock
 
 from cases import join
-from harness import agent, application, case, places, waiting
+from harness import agent, application, case, ordinary_user, places, waiting
 from harness.log_file import Log
+from harness.ordinary_user import UID
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "packaging"))
 import machine  # noqa: E402  (the packages' tests' own)
-import services  # noqa: E402  (the world's session bus)
 
 RELEASE = places.BUILT_BUNDLE.parent / "package"
 PACKAGE = "ovra-tessel-lumora"
-# A user of the world's own, unknown to the machine.
-UID = 47110
 
 
 def setUpModule():
     machine.lay()
     os.rmdir("/Applications")
     os.rmdir("/Volumes")
-    with open("/etc/passwd", "a", encoding="ascii") as accounts:
-        accounts.write(f"kim:x:{UID}:{UID}::/tmp/kim/home:/bin/sh\n")
+    ordinary_user.add_account()
     package, = RELEASE.glob("*.deb")
     machine.dpkg("--install", package)
     # Everything else is made ready as for the other modules.
@@ -65,46 +60,9 @@ class InstalledCommand(case.EndToEndCase):
             process.wait()
 
 
-class OrdinaryUser(case.EndToEndCase):
-    """Who may write neither the bundle nor the machine's folders, as on every desk."""
-
-    def setUp(self):
-        super().setUp()
-        folder = pathlib.Path("/tmp/kim")
-        shutil.rmtree(folder, ignore_errors=True)
-        for part in ("home", "run"):
-            (folder / part).mkdir(parents=True, mode=0o700)
-            try:
-                os.chown(folder / part, UID, UID)
-            except OSError:
-                self.skipTest("this world has one user only")
-        os.chown(folder, UID, UID)
-        os.chmod("/Library", 0o755)
-        self.addCleanup(self.give_library_back)
-        self.home = places.Home(folder / "home")
-        self.as_kim = functools.partial(subprocess.Popen, user=UID, group=UID, extra_groups=[])
-        configuration = folder / "bus.conf"
-        configuration.write_text(services.BUS_CONFIGURATION.replace("/run/lumora", str(folder / "run")), encoding="utf-8")
-        bus = self.as_kim(["dbus-daemon", f"--config-file={configuration}", "--nofork"])
-        self.addCleanup(bus.wait)
-        self.addCleanup(bus.kill)
-        waiting.until((folder / "run/bus").exists, "the user's session bus")
-        self.environment = {"XDG_RUNTIME_DIR": str(folder / "run"),
-                            "DBUS_SESSION_BUS_ADDRESS": f"unix:path={folder}/run/bus"}
-
-    @staticmethod
-    def give_library_back():
-        """The tests' own folder, which the package manager removes with the last package that uses it."""
-        library = pathlib.Path("/Library")
-        library.mkdir(exist_ok=True)
-        library.chmod(0o1777)
-
-    def start_as_kim(self, arguments=None):
-        with unittest.mock.patch.object(application.subprocess, "Popen", self.as_kim):
-            return self.start(arguments, self.environment)
-
+class OrdinaryUser(ordinary_user.OrdinaryUserCase):
     def test_joins(self):
-        self.start_as_kim()
+        self.start_as_user()
         self.wait_for_launch_checks()
         self.join()
         self.wait_for_install()
@@ -123,13 +81,13 @@ class OrdinaryUser(case.EndToEndCase):
                         "pathForLumora=join", "LumoraToken=their-own"], cwd=folder, check=True)
         machine.dpkg("--install", folder / "example-settings_1.0_all.deb")
         self.addCleanup(machine.dpkg, "--purge", "example-settings")
-        self.start_as_kim({})
+        self.start_as_user({})
         self.log.wait_for("+[Utils parseCommandLineArgs] : Arguments Read From Preferences => WebServerName : "
                           "eu.ovratessel.example , LumoraToken : their-own , DC = eu")
 
 
     def test_uninstalling_while_it_runs_leaves_nothing_of_it_in_the_home(self):
-        self.start_as_kim()
+        self.start_as_user()
         self.wait_for_launch_checks()
         self.join()
         self.wait_for_install()
@@ -159,7 +117,7 @@ class OrdinaryUser(case.EndToEndCase):
         shutil.copyfile(RELEASE / served.name, served)
         self.addCleanup(served.unlink)
         self.data_centre.answer(application={"representation": {"update": True, "download_url": None}})
-        self.start_as_kim()
+        self.start_as_user()
         self.log.wait_for_start("-[OvraLumoraUpdater unMountingOvraLumoraDmg] : Dmg unmount task termination status : 0")
         staged = self.home.support_folder / places.BUNDLE.name
         self.assertEqual(machine.picture(staged), machine.picture(places.BUNDLE), "the release's image is another one")
