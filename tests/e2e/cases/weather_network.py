@@ -17,12 +17,7 @@ class Path(WeatherCase):
     join_page = SILENT_PAGE
 
     def test_a_default_route_that_goes_and_comes_back(self):
-        self.start()
-        self.log.wait_for(RESTORED)
-        waiting.until(lambda: len(self.loads()) == 2, "the first restoration's load")
-        self.page.wait_until_loaded()
-        self.shows("join")
-
+        self.start_well()
         mark = self.log.mark()
         route("del", "default")
         self.addCleanup(route, *DEFAULT_ROUTE)
@@ -54,11 +49,10 @@ class AtStart(WeatherCase):
 
     def test_no_network_at_all(self):
         self.down()
-        self.start(wait_for_page=False)
-        self.log.wait_for(FAILED)
-        self.shows("offline")
+        self.start_badly([FAILED])
         self.watch(2 * PROBE_SECONDS, "offline")
-        self.assertEqual(self.weather_lines(), [FAILED])
-        self.tell("no network at the start", "offline", self.weather_lines(), **self.counts())
+        self.assertEqual(self.weather_lines(self.started), [FAILED])
+        self.tell("no network at the start", "offline", [FAILED], **self.counts())
         self.up()
-        self.comes_back("no network at the start", 0, [FAILED])
+        # A second time when a probe that had waited for the path has no time left for its answer.
+        self.comes_back("no network at the start", self.started, [FAILED], restorations=2)

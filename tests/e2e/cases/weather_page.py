@@ -27,7 +27,7 @@ class Crashes(WeatherCase):
         os.kill(pid, signal.SIGKILL)
 
     def test_the_join_page_comes_back_however_often_it_dies(self):
-        self.start()
+        self.start_well()
         for death in range(1, 5):
             self.shows("join")
             self.forget_requests()
@@ -35,25 +35,23 @@ class Crashes(WeatherCase):
             self.kill()
             self.log.wait_for(FAILED, mark)
             self.log.wait_for(RESTORED, mark)
-            self.page.wait_until_loaded()
-            self.shows("join")
+            self.page_stands()
             self.assertEqual(self.weather_lines(mark), [*DIED, RESTORED])
             self.assertIn(len(self.loads()), (1, 2), "the restoration's, and at most one attempt before")
             self.tell(f"web process dies, {death}. time", "join", self.weather_lines(mark), **self.counts())
 
     def test_the_offline_page_comes_back(self):
         self.server_down()
-        self.start(wait_for_page=False)
+        self.start_badly([FAILED])
         for _ in range(5):
-            self.shows("offline")
             self.kill()
-        self.living()
-        self.shows("offline")
-        self.assertEqual(self.weather_lines(), [FAILED])
+            self.living()
+            self.shows("offline")
+        self.assertEqual(self.weather_lines(self.started), [FAILED])
         self.assertEqual(self.join_requests(), [])
-        self.tell("web process of the offline page dies 5 times", "offline", self.weather_lines(), **self.counts())
+        self.tell("web process of the offline page dies 5 times", "offline", [FAILED], **self.counts())
         self.good_again()
-        self.comes_back("web process of the offline page dies 5 times", 0, [FAILED])
+        self.comes_back("web process of the offline page dies 5 times", self.started, [FAILED])
 
     def test_the_misconfiguration_page_comes_back(self):
         self.start({"DC": "com"}, wait_for_page=False)

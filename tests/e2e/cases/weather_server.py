@@ -13,16 +13,14 @@ FAILED = NET_TEST + JOIN_URL
 class AtStart(WeatherCase):
     def test_a_server_that_is_down_and_then_up(self):
         self.server_down()
-        self.start(wait_for_page=False)
-        self.log.wait_for(FAILED)
-        self.shows("offline")
+        self.start_badly([FAILED])
         self.watch(TEN_PROBES, "offline")
-        self.assertEqual(self.weather_lines(), [FAILED])
+        self.assertEqual(self.weather_lines(self.started), [FAILED])
         self.assertEqual(self.join_requests(), [])
-        self.tell("server down at the start", "offline", self.weather_lines(), **self.counts())
+        self.tell("server down at the start", "offline", [FAILED], **self.counts())
 
         self.good_again()
-        self.comes_back("server down at the start", 0, [FAILED])
+        self.comes_back("server down at the start", self.started, [FAILED])
         # The one that answered 200 was the first to ask.
         self.assertEqual(self.join_requests()[0], self.probes()[0])
         self.watched_no_longer()
@@ -35,11 +33,9 @@ class AtStart(WeatherCase):
 
     def test_without_a_token_the_bare_address_is_watched_and_nothing_reloaded(self):
         self.server_down()
-        self.start(NO_TOKEN, wait_for_page=False)
-        self.log.wait_for(NET_TEST + BARE_URL)
-        self.shows("offline")
+        self.start_badly([NET_TEST + BARE_URL], NO_TOKEN)
         self.good_again()
-        self.comes_back("server down, no token", 0, [NET_TEST + BARE_URL])
+        self.comes_back("server down, no token", self.started, [NET_TEST + BARE_URL])
         self.assertEqual({one["target"] for one in self.join_requests()}, {"/join"})
 
     def test_a_slow_server_is_given_ten_seconds(self):
@@ -77,16 +73,15 @@ class AtStart(WeatherCase):
     def redirect(self, weather, location, followed):
         self.data_centre.behave("/join", status=302, headers={"Location": location})
         self.data_centre.behave("/elsewhere", status=200, body=SILENT_PAGE, content_type="text/html")
-        self.start(wait_for_page=False)
         # The probe does not follow: for it a redirect is out of reach, wherever it leads.
-        self.shows("offline")
+        self.start_until(self.loads)
         self.watch_probes("offline", probes=2)
         self.assertEqual(len(self.loads()), 1)
         self.assertEqual(len(self.data_centre.requests("/elsewhere")), followed)
-        self.assertEqual(self.weather_lines(), [])
+        self.assertEqual(self.weather_lines(self.started), [])
         self.tell(weather, "offline", [], elsewhere=followed, **self.counts())
         self.good_again()
-        self.comes_back(weather, 0, [])
+        self.comes_back(weather, self.started, [])
 
     def test_a_redirect_on_the_same_server_is_followed_and_out_of_reach(self):
         self.redirect("302 to the same server", f"https://{WEB_SERVER}/elsewhere", 1)

@@ -1,9 +1,7 @@
 """A server that is lost while the join page stands, in every way that a server can be, and then back."""
 
-from harness import waiting
 from harness.case import TOKEN, set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
-from harness.weather import (DID_FAIL, JOIN_URL, NET_TEST, PAGE, PROBE_SECONDS, RESTORED, SILENT_PAGE, TEN_PROBES,
-                             WeatherCase)
+from harness.weather import DID_FAIL, JOIN_URL, NET_TEST, PAGE, PROBE_SECONDS, SILENT_PAGE, TEN_PROBES, WeatherCase
 
 FAILED = NET_TEST + JOIN_URL
 
@@ -13,22 +11,14 @@ class Watched(WeatherCase):
 
     join_page = SILENT_PAGE
 
-    def settle(self):
-        self.start()
-        # The first good probe restores once more.
-        waiting.until(lambda: len(self.loads()) == 2, "the first restoration's load")
-        self.log.wait_for(RESTORED)
-        self.page.wait_until_loaded()
-        self.shows("join")
-
     def test_good_weather_is_probed_every_two_seconds_and_left_alone(self):
-        self.settle()
-        self.forget_requests()
+        self.start_well()
+        mark = self.log.mark()
         self.watch_probes("join")
         self.assertEqual(self.loads(), [])
         for probe in self.probes():
             self.assertEqual((probe["method"], probe["target"]), ("GET", f"/join?lumora_token={TOKEN}"))
-        self.assertEqual(self.weather_lines(), [RESTORED])
+        self.assertEqual(self.weather_lines(mark), [])
         self.tell("good weather, page does not say that it has loaded", "join", [], **self.counts())
 
     def lost_and_back(self, weather, lose, watch):
@@ -48,7 +38,7 @@ class Watched(WeatherCase):
         return lambda: self.data_centre.behave("/join", status=status, headers={"Location": "/elsewhere"})
 
     def test_only_200_counts_as_there(self):
-        self.settle()
+        self.start_well()
         self.lost_and_back("server stops", self.server_down, lambda: self.watch(TEN_PROBES, "offline"))
         self.lost_and_back("503", self.status(503), lambda: self.watch_probes("offline"))
         for status in (302, 204):
@@ -61,14 +51,13 @@ class Loaded(WeatherCase):
     """Behind a page that has said that it has loaded: nobody watches, until one of its loads fails."""
 
     def test_a_loaded_page_outlives_the_server(self):
-        self.start()
-        self.shows("join")
-        self.assertEqual(len(self.loads()), 1)
+        self.start_well()
+        mark = self.log.mark()
         self.server_down()
         self.watch(2 * PROBE_SECONDS, "join")
         self.good_again()
         self.watch(PROBE_SECONDS, "join")
-        self.assertEqual((self.join_requests(), self.weather_lines()), ([], []))
+        self.assertEqual((self.join_requests(), self.weather_lines(mark)), ([], []))
         self.tell("server stops behind a loaded page, and is back", "join", [], **self.counts())
 
     def fails_and_comes_back(self, weather, spoil, lines):
@@ -97,7 +86,7 @@ class Loaded(WeatherCase):
         self.data_centre.behave("/join", truncate_at=100000, reset=True)
 
     def test_a_load_that_fails_shows_the_offline_page_and_is_made_good(self):
-        self.start()
+        self.start_well()
         self.fails_and_comes_back("reset before the page", lambda: self.data_centre.behave("/join", reset=True),
                                   [FAILED])
         self.fails_and_comes_back("reset amid the page", self.break_off,

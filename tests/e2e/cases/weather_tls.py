@@ -1,9 +1,8 @@
 """Certificates and versions of TLS that must not be trusted: no request is sent, and the offline page is shown."""
 
-from harness import waiting
 from harness.case import (WEB_SERVER,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
-from harness.weather import JOIN_URL, NET_TEST, RESTORED, SILENT_PAGE, UNTRUSTED, WeatherCase
+from harness.weather import JOIN_URL, NET_TEST, SILENT_PAGE, UNTRUSTED, WeatherCase
 
 FAILED = NET_TEST + JOIN_URL
 
@@ -21,15 +20,14 @@ EXPIRED = untrusted(-67818, "certificate is expired")
 class AtStart(WeatherCase):
     def test_a_certificate_from_an_unknown_authority(self):
         self.data_centre.tls(certificate="unknown-authority")
-        self.start(wait_for_page=False)
-        self.log.wait_for(FAILED)
-        self.shows("offline")
+        self.start_badly([UNKNOWN_AUTHORITY, FAILED])
         probes = self.watch_probes("offline", self.connections)
         self.assertEqual(self.data_centre.requests(), [], "nothing is asked of a server that nobody knows")
-        self.assertEqual(self.weather_lines(), [UNKNOWN_AUTHORITY, FAILED])
-        self.tell("unknown authority at the start", "offline", self.weather_lines(), loads=0, handshakes=probes)
+        lines = self.weather_lines(self.started)
+        self.assertEqual(lines, [UNKNOWN_AUTHORITY, FAILED])
+        self.tell("unknown authority at the start", "offline", lines, loads=0, handshakes=probes)
         self.good_again()
-        self.comes_back("unknown authority at the start", 0, [UNKNOWN_AUTHORITY, FAILED])
+        self.comes_back("unknown authority at the start", self.started, lines)
 
 
 class Loads(WeatherCase):
@@ -51,7 +49,7 @@ class Loads(WeatherCase):
             self.comes_back(weather, mark, lines)
 
     def test_nothing_is_sent_to_a_server_that_cannot_be_trusted(self):
-        self.start()
+        self.start_well()
         self.fails_and_comes_back("unknown authority", [UNKNOWN_AUTHORITY, FAILED], certificate="unknown-authority")
         self.fails_and_comes_back("wrong host name", [WRONG_HOST, FAILED], certificate="wrong-host")
         self.fails_and_comes_back("expired", [EXPIRED, FAILED], certificate="expired")
@@ -64,13 +62,7 @@ class Portal(WeatherCase):
     join_page = SILENT_PAGE
 
     def test_a_captive_portal_is_never_taken_for_the_server(self):
-        self.start()
-        # The first good probe restores once more; the page then stays watched, as it never says that it has loaded.
-        self.log.wait_for(RESTORED)
-        waiting.until(lambda: len(self.loads()) == 2, "the first restoration's load")
-        self.page.wait_until_loaded()
-        self.shows("join")
-
+        self.start_well()
         mark = self.log.mark()
         self.data_centre.behave("*", status=200, body="<body>Sign in", content_type="text/html")
         self.speak_tls(certificate="unknown-authority")

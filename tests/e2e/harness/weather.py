@@ -37,6 +37,35 @@ class WeatherCase(EndToEndCase):
         super().setUp()
         self.data_centre.page(self.join_page)
 
+    # --- starts
+
+    def start_badly(self, lines, arguments=None):
+        """Starts in bad weather: the first load fails with these lines, and the offline page is shown.
+
+        On a machine too busy to load anything within two seconds the first probe fails before, which shows the page
+        without a word: then once more.
+        """
+        self.start_until(lambda: self.weather_lines(self.started), arguments)
+        self.assertEqual(self.weather_lines(self.started), lines)
+
+    def start_until(self, first_load_came_first, arguments=None):
+        for _ in range(5):
+            self.forget_requests()
+            self.start(arguments, wait_for_page=False)
+            self.shows("offline")
+            if first_load_came_first():
+                return
+        self.fail("no first load before the first probe, or none at all")
+
+    def start_well(self):
+        """Starts, and waits until whatever the first probe brought about is over."""
+        self.start(wait_for_page=False)
+        if self.join_page == SILENT_PAGE:
+            self.log.wait_for(RESTORED, self.started)  # the first good probe restores once more
+        self.page_stands()
+        self.watch(PROBE_SECONDS, "join")
+        self.forget_requests()
+
     # --- what was asked of the server
 
     def join_requests(self):
@@ -63,6 +92,17 @@ class WeatherCase(EndToEndCase):
 
     def shows(self, page, scheme="light", seconds=waiting.SECONDS):
         screen.wait_for_page(self.application, page, scheme, seconds)
+
+    def page_stands(self):
+        """The join page is shown and runs its scripts; one that a newer load replaces meanwhile does not count."""
+        def runs():
+            try:
+                self.page.wait_until_loaded()
+            except AssertionError:
+                return False
+            return True
+        waiting.until(runs, "the join page")
+        self.shows("join")
 
     def watch(self, seconds, page):
         """Looks at the window all the time: it shows nothing but this page."""
@@ -101,8 +141,7 @@ class WeatherCase(EndToEndCase):
     def comes_back(self, weather, mark, lines, restorations=1):
         """The join page stands again, after these lines and one restoration (or at most so many), each with one load."""
         self.log.wait_for(RESTORED, mark)
-        self.page.wait_until_loaded()
-        self.shows("join")
+        self.page_stands()
         self.watch(PROBE_SECONDS, "join")
         count = self.weather_lines(mark).count(RESTORED)
         self.assertLessEqual(count, restorations)
