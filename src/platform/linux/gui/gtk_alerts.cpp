@@ -8,6 +8,7 @@ namespace lumora::platform::linux_backend {
 namespace {
 
 constexpr const char* kOnlyButton = "OK";
+constexpr int kTopMargin = 20; ///< pixels: under a window manager's own title bar the text would touch it
 
 GtkMessageType typeOf(AlertStyle style) {
     switch (style) {
@@ -19,6 +20,19 @@ GtkMessageType typeOf(AlertStyle style) {
         return GTK_MESSAGE_ERROR;
     }
     return GTK_MESSAGE_OTHER;
+}
+
+/// The window's title and the accessible texts are what task bars and screen readers tell of it.
+ObjectRef<GtkWidget> makeDialog(const Alert& alert, GtkWindow* parent) {
+    auto dialog = ObjectRef<GtkWidget>::retain(GTK_WIDGET(
+        g_object_new(GTK_TYPE_MESSAGE_DIALOG, "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT_DIALOG,
+                     "message-type", typeOf(alert.style), "buttons", GTK_BUTTONS_NONE, "text",
+                     alert.messageText.c_str(), "secondary-text", alert.informativeText.c_str(), "modal",
+                     TRUE, "transient-for", parent, "title", g_get_application_name(), nullptr)));
+    gtk_accessible_update_property(GTK_ACCESSIBLE(dialog.get()), GTK_ACCESSIBLE_PROPERTY_LABEL,
+                                   alert.messageText.c_str(), GTK_ACCESSIBLE_PROPERTY_DESCRIPTION,
+                                   alert.informativeText.c_str(), -1);
+    return dialog;
 }
 
 /// From the last to the first: the default button stands on the right, as on the platform's own dialogs.
@@ -58,11 +72,10 @@ void answered(GtkDialog*, int response, gpointer data) {
 } // namespace
 
 int GtkAlerts::runModal(const Alert& alert) {
-    const auto dialog = ObjectRef<GtkWidget>::retain(gtk_message_dialog_new(
-        parent_(), GTK_DIALOG_MODAL, typeOf(alert.style), GTK_BUTTONS_NONE, "%s", alert.messageText.c_str()));
-    auto* message = GTK_MESSAGE_DIALOG(dialog.get());
-    gtk_message_dialog_format_secondary_text(message, "%s", alert.informativeText.c_str());
-    makeTextsSelectable(gtk_message_dialog_get_message_area(message));
+    const auto dialog = makeDialog(alert, parent_());
+    GtkWidget* messageArea = gtk_message_dialog_get_message_area(GTK_MESSAGE_DIALOG(dialog.get()));
+    gtk_widget_set_margin_top(messageArea, kTopMargin);
+    makeTextsSelectable(messageArea);
     GtkWidget* first = addButtons(GTK_DIALOG(dialog.get()), alert);
     gtk_dialog_set_default_response(GTK_DIALOG(dialog.get()), kAlertFirstButtonReturn);
     gtk_widget_grab_focus(first); // not the text, which would stand all selected
