@@ -43,6 +43,8 @@ void LoadJournal::committed(Navigation navigation, std::string address) {
 bool LoadJournal::failed(Navigation navigation, Failure failure) {
     if (navigation == hosts_)
         forgetHosts();
+    if (navigation == underWay_)
+        underWay_ = nullptr;
     const bool isReplaced = replaced_.erase(navigation) != 0;
     return !isReplaced && !(failure == Failure::interruptedByPolicy && policyCancelled_);
 }

@@ -112,6 +112,21 @@ TEST_F(LoadJournals, whatTheHostGivesUpHasNotFailed) {
     EXPECT_FALSE(journal.failed(second, Failure::other));
 }
 
+TEST_F(LoadJournals, whatTheHostGivesUpBeforeItBeganHasNotFailedEither) {
+    stands(first, "file:///page");
+    journal.hostLoads(second, "https://one/");
+    journal.hostWithdraws();
+    journal.started(second);
+    EXPECT_FALSE(journal.failed(second, Failure::other));
+}
+
+TEST_F(LoadJournals, thePagesOwnLoadThatTheHostGivesUpHasNotFailed) {
+    stands(first, "file:///page");
+    journal.started(second);
+    journal.hostWithdraws();
+    EXPECT_FALSE(journal.failed(second, Failure::other));
+}
+
 TEST_F(LoadJournals, tellWhatIsAwaitedAndWhatStands) {
     hostLoadsAndBegins(first, "https://one/");
     EXPECT_EQ(journal.awaited(), "https://one/");
@@ -129,6 +144,28 @@ TEST_F(LoadJournals, aNameThatComesAgainIsANewNavigation) {
     hostLoadsAndBegins(first, "https://one/");
     stands(second, "file:///page"); // the first never reports its end
     hostLoadsAndBegins(first, "https://one/");
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, aNameThatComesAgainToThePageIsNewOnceAnotherPageStood) {
+    hostLoadsAndBegins(first, "https://one/");
+    stands(second, "file:///page"); // the first never reports its end
+    journal.started(first);
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, aNameThatComesAgainToTheHostIsNewAtOnce) {
+    hostLoadsAndBegins(first, "https://one/");
+    hostLoadsAndBegins(second, "https://two/"); // the first never reports its end
+    hostLoadsAndBegins(first, "https://three/");
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, theNameOfAFailedLoadComesAgainUnburdened) {
+    hostLoadsAndBegins(first, "https://one/");
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+    journal.hostWithdraws();
+    journal.started(first); // of the page this time
     EXPECT_TRUE(journal.failed(first, Failure::other));
 }
 
