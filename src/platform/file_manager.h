@@ -3,6 +3,7 @@
 #include "platform/result.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -56,6 +57,10 @@ class FileManager {
 
     /// Cuts an existing file to no bytes, keeping the file itself.
     virtual Result<void> truncateFile(const std::string& path) = 0;
+
+    /// Holds a folder against every other process that asks for it here, until the result is gone. Waits for its turn,
+    /// some seconds at most, and is empty when it did not come. Keeps nobody from using the folder who does not ask.
+    [[nodiscard]] virtual std::shared_ptr<void> holdFolder(const std::string& path) = 0;
 };
 
 } // namespace lumora::platform

@@ -5,6 +5,17 @@
 
 namespace lumora {
 
+namespace {
+
+// A chain may still hold a mutex at exit: they are never destroyed.
+
+std::mutex& stagedBundleMutex() {
+    static auto* mutex = new std::mutex;
+    return *mutex;
+}
+
+} // namespace
+
 std::string stagingFolder() {
     return platform::ports().fileManager->homeDirectory() +
            "/Library/Application Support/OvraLumoraNativeFolder/";
@@ -12,16 +23,13 @@ std::string stagingFolder() {
 
 std::string lumoraImagePath() { return stagingFolder() + "OvraTesselLumora.dmg"; }
 
-// A chain may still hold either at exit: they are never destroyed.
-
 std::mutex& imageMutex() {
     static auto* mutex = new std::mutex;
     return *mutex;
 }
 
-std::mutex& stagedBundleMutex() {
-    static auto* mutex = new std::mutex;
-    return *mutex;
-}
+StagedBundleTurn::StagedBundleTurn()
+    : amongChains_(stagedBundleMutex()),
+      amongProcesses_(platform::ports().fileManager->holdFolder(stagingFolder())) {}
 
 } // namespace lumora

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -19,7 +20,15 @@ namespace lumora {
 inline constexpr const char* kLumoraBundleName = "Ovra Tessel Lumora.app";
 
 /// Held while the staged bundle is replaced and while it is put in place: a second chain may replace it just when the
-/// last window closes, and the swap, which has removed the running bundle by then, must find the staged one whole.
-[[nodiscard]] std::mutex& stagedBundleMutex();
+/// last window closes, and the swap, which has removed the running bundle by then, must find the staged one whole. So
+/// may the chain of a second process, of a user who has started the application twice.
+class StagedBundleTurn {
+  public:
+    StagedBundleTurn();
+
+  private:
+    std::lock_guard<std::mutex> amongChains_;
+    std::shared_ptr<void> amongProcesses_;
+};
 
 } // namespace lumora

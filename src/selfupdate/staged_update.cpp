@@ -62,7 +62,7 @@ void applyStagedBundle(const SessionDetails& session) {
     const auto target = replacementTarget(session);
     const auto folder = session.ovraLumoraNativeFolder();
 
-    std::lock_guard lock(stagedBundleMutex());
+    const StagedBundleTurn turn;
     const auto staged = folder ? appendPathComponent(*folder, kLumoraBundleName) : std::string();
     if (staged.empty() || !platform::ports().fileManager->fileExists(staged)) {
         log("{} There is No Updated Lumora App Present in {}", kUpdate, render(folder));

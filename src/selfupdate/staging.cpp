@@ -44,7 +44,7 @@ void removeStagedBundle(platform::FileManager& files, const std::string& folder)
 }
 
 void stageBundle(platform::FileManager& files, const std::string& folder) {
-    std::lock_guard lock(stagedBundleMutex());
+    const StagedBundleTurn turn;
     removeStagedBundle(files, folder);
     if (!files.copyItem(kBundleOnVolume, appendPathComponent(folder, kLumoraBundleName)))
         return;

@@ -1,4 +1,5 @@
 #include "platform/linux/ports/linux_file_manager.h"
+#include "support/eventually.h"
 #include "support/in_child.h"
 #include "support/temporary_folder.h"
 
@@ -401,6 +402,33 @@ TEST_F(FileManagerContract, sizeAndTruncationKeepTheFile) {
     EXPECT_FALSE(files_.fileSize(home_ + "/missing"));
     EXPECT_FALSE(files_.truncateFile(home_ + "/missing"));
     EXPECT_FALSE(fs::exists(home_ + "/missing"));
+}
+
+TEST_F(FileManagerContract, aHeldFolderIsWaitedForByOtherProcesses) {
+    Child holder([&]() -> std::string {
+        const auto hold = files_.holdFolder(home_ + "/");
+        writeFile(folder_ / "held", "");
+        std::this_thread::sleep_for(std::chrono::milliseconds(300)); // for the other to come by
+        writeFile(folder_ / "done", "");
+        return hold ? "" : "not held";
+    });
+    ASSERT_TRUE(eventually([&] { return fs::exists(folder_ / "held"); }));
+
+    const auto hold = files_.holdFolder(home_);
+
+    EXPECT_TRUE(hold);
+    EXPECT_TRUE(fs::exists(folder_ / "done")) << "held by two at once";
+    EXPECT_EQ("", holder.report());
+    EXPECT_FALSE(files_.holdFolder(home_ + "/missing"));
+}
+
+TEST_F(FileManagerContract, aHoldEndsWithItsLastOwnerAndWithItsProcess) {
+    { const auto hold = files_.holdFolder(home_); }
+    EXPECT_EQ("", inChild([&]() -> std::string {
+                  auto* forgotten = new std::shared_ptr<void>(files_.holdFolder(home_));
+                  return *forgotten ? "" : "not held";
+              }));
+    EXPECT_TRUE(files_.holdFolder(home_));
 }
 
 TEST_F(FileManagerContract, insideTheHomeFolderAnEntryIsFoundWhateverItsCase) {

@@ -37,6 +37,10 @@ class FakeFileManager final : public platform::FileManager {
     [[nodiscard]] bool folderExists(const std::string& path) const { return folders_.contains(fold(path)); }
     /// Every changing call in order: "remove /a", "copy /a -> /b", "create /a", "mkdir /a", "overwrite /a", "truncate /a".
     std::vector<std::string> journal;
+    /// The folders that are held just now.
+    std::multiset<std::string> held;
+    /// The folders that were held while a copy to this destination was made.
+    std::map<std::string, std::multiset<std::string>> heldDuringCopyTo;
 
     // --- the port ---
     std::string homeDirectory() override { return home; }
@@ -61,6 +65,7 @@ class FakeFileManager final : public platform::FileManager {
         if (!fileExists(from) || fileExists(to) || uncreatable_.contains(to))
             return failure("The item could not be copied.");
         journal.push_back("copy " + source + " -> " + destination);
+        heldDuringCopyTo[destination] = held;
         if (const auto found = files_.find(from); found != files_.end())
             files_[to] = File(found->second);
         if (folders_.contains(from)) {
@@ -123,6 +128,11 @@ class FakeFileManager final : public platform::FileManager {
     platform::Result<void> truncateFile(const std::string& path) override {
         journal.push_back("truncate " + path);
         return overwriteFile(path, "");
+    }
+
+    std::shared_ptr<void> holdFolder(const std::string& path) override {
+        const auto one = held.insert(path);
+        return {nullptr, [this, one](void*) { held.erase(one); }};
     }
 
   private:

@@ -78,6 +78,9 @@ class SlowStaging final : public platform::FileManager {
     platform::Result<void> truncateFile(const std::string& path) override {
         return locked([&] { return behind_.truncateFile(path); });
     }
+    std::shared_ptr<void> holdFolder(const std::string& path) override {
+        return locked([&] { return behind_.holdFolder(path); });
+    }
 
   private:
     void noteUseOf(const std::string& path) {

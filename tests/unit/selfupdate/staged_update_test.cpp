@@ -73,6 +73,13 @@ TEST_F(StagedUpdate, replacesTheBundleWhereItRuns) {
                             kOperation + " Successfully set 777 permissions on " + kTarget, kEnd));
 }
 
+TEST_F(StagedUpdate, holdsTheStagingFolderAgainstOtherProcessesWhileItCopies) {
+    Utils::updateLumoraIfNeeded();
+
+    EXPECT_THAT(files.heldDuringCopyTo.at(kTarget), ElementsAre(kStagingFolder));
+    EXPECT_THAT(files.held, IsEmpty());
+}
+
 TEST_F(StagedUpdate, replacesTheBundleInApplicationsWhenItsOwnPlaceIsUnknown) {
     putBundle(kDefaultTarget, "old");
     for (const SessionDetails::Text& unknown : {SessionDetails::Text(), SessionDetails::Text("")}) {

@@ -223,6 +223,15 @@ TEST_F(Staging, toleratesAnImageThatIsGoneOrCannotBeDeleted) {
     EXPECT_EQ(streams.logged().size(), 2U);
 }
 
+TEST_F(Staging, holdsTheStagingFolderAgainstOtherProcessesWhileItReplacesTheBundle) {
+    mountWorks();
+
+    updater->mountingOvraLumoraDmg();
+
+    EXPECT_THAT(files.heldDuringCopyTo.at(kStagedBundle), ElementsAre(kStagingFolder));
+    EXPECT_THAT(files.held, IsEmpty());
+}
+
 TEST_F(Staging, letsTwoChainsReplaceEachOthersBundle) {
     mountWorks();
     const auto other = OvraLumoraUpdater::getInstance();

@@ -3,6 +3,7 @@
 #include "platform/linux/ports/file_contents.h"
 #include "platform/linux/ports/file_tree.h"
 #include "platform/linux/ports/temporary_sibling.h"
+#include "platform/posix/folder_hold.h"
 #include "platform/posix/posix_error.h"
 #include "platform/posix/unique_fd.h"
 
@@ -225,6 +226,11 @@ Result<void> LinuxFileManager::truncateFile(const std::string& path) {
     if (!file)
         return file.error();
     return ::ftruncate(file.value().get(), 0) == 0 ? Result<void>() : posixError(errno, path);
+}
+
+std::shared_ptr<void> LinuxFileManager::holdFolder(const std::string& path) {
+    const auto place = resolved(path);
+    return place ? posix_backend::holdFolder(place.value()) : nullptr;
 }
 
 } // namespace lumora::platform::linux_backend

@@ -26,6 +26,7 @@ class LinuxFileManager final : public FileManager {
     Result<void> overwriteFile(const std::string& path, std::string_view contents) override;
     Result<std::uint64_t> fileSize(const std::string& path) override;
     Result<void> truncateFile(const std::string& path) override;
+    std::shared_ptr<void> holdFolder(const std::string& path) override;
 
   private:
     [[nodiscard]] Result<std::string> resolved(const std::string& path) const;
