@@ -112,13 +112,20 @@ class OrdinaryUser(ordinary_user.OrdinaryUserCase):
         waiting.until(lambda: not left(), lambda: f"a home without {left()}")
         self.assertFalse(places.BUNDLE.exists())
 
-    def test_offered_update_cannot_replace_the_administrators_bundle_and_leaves_it_whole(self):
+    def offer_update(self):
+        """The release's own image."""
         served = self.data_centre.images / "OvraTesselLumora.dmg"
         shutil.copyfile(RELEASE / served.name, served)
         self.addCleanup(served.unlink)
         self.data_centre.answer(application={"representation": {"update": True, "download_url": None}})
-        self.start_as_user()
+
+    def wait_for_staged_update(self):
         self.log.wait_for_start("-[OvraLumoraUpdater unMountingOvraLumoraDmg] : Dmg unmount task termination status : 0")
+
+    def test_offered_update_cannot_replace_the_administrators_bundle_and_leaves_it_whole(self):
+        self.offer_update()
+        self.start_as_user()
+        self.wait_for_staged_update()
         staged = self.home.support_folder / places.BUNDLE.name
         self.assertEqual(machine.picture(staged), machine.picture(places.BUNDLE), "the release's image is another one")
 
@@ -127,6 +134,24 @@ class OrdinaryUser(ordinary_user.OrdinaryUserCase):
         self.log.wait_for_start("+[Utils updateLumoraIfNeeded] Failed to Remove Existing old Lumora app (1.0.0) in folder "
                                 f"{places.BUNDLE} Error:  ")
         self.assertEqual(machine.dpkg("--verify", PACKAGE).stdout, "")
+
+    def test_offered_update_replaces_a_bundle_that_was_handed_to_the_users_group(self):
+        subprocess.run(["chgrp", "-R", str(UID), "/Applications"], check=True)
+        subprocess.run(["chmod", "-R", "g+w", "/Applications"], check=True)
+        self.addCleanup(self.install_afresh)
+        self.offer_update()
+        self.start_as_user()
+        self.wait_for_staged_update()
+
+        self.close()
+
+        self.log.wait_for(f"+[Utils updateLumoraIfNeeded] Successfully set 777 permissions on {places.BUNDLE}")
+        self.assertEqual(places.BUNDLE.stat().st_uid, UID)
+
+    @staticmethod
+    def install_afresh():
+        machine.dpkg("--purge", PACKAGE)
+        machine.dpkg("--install", *RELEASE.glob("*.deb"))
 
 
 class WhenPurged(case.EndToEndCase):
