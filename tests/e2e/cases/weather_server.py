@@ -45,7 +45,8 @@ class AtStart(WeatherCase):
         self.log.wait_for(FAILED)
         self.assertGreater(time.monotonic() - begun, 9.5)
         self.shows("offline")
-        self.watch_probes("offline")
+        # After the four of the first ten seconds: ten in all.
+        self.watch_probes("offline", probes=6)
         # One load, and at most the reload attempt that the offline page replaced.
         self.assertIn(len(self.loads()), (1, 2))
         self.assertEqual(self.weather_lines(), [FAILED])
@@ -62,7 +63,7 @@ class AtStart(WeatherCase):
         self.log.wait_for(NET_TEST + BARE_URL)
         self.assertGreater(time.monotonic() - begun, 9.5)
         self.shows("offline")
-        probes = self.watch_probes("offline", self.connections)
+        probes = self.watch_probes("offline", self.connections, probes=6)
         self.assertEqual(self.join_requests(), [])
         self.assertEqual(self.weather_lines(), [NET_TEST + BARE_URL])
         self.tell("handshake hangs", "offline", self.weather_lines(), loads=0, handshakes=probes)

@@ -41,7 +41,7 @@ class Loads(WeatherCase):
             self.forget_requests()
             self.log.wait_for(FAILED, mark)
             self.shows("offline")
-            probes = self.watch_probes("offline", self.connections, probes=3)
+            probes = self.watch_probes("offline", self.connections, probes=2)
             self.assertEqual(self.data_centre.requests(), [])
             self.assertEqual(self.weather_lines(mark), lines)
             self.tell(weather, "offline", lines, loads=0, handshakes=probes)
