@@ -238,9 +238,6 @@ TEST_F(HttpSessionsContract, aRefusedConnectionAndAnUnknownHostFailAtOnce) {
     const HttpAnswer unknown = data(get("https://host.invalid/"));
     EXPECT_EQ(-1003, codeOf(unknown)) << unknown.error->localizedDescription;
     EXPECT_EQ("https://host.invalid/", unknown.error->failingUrl);
-
-    use({}, [] { return false; });
-    EXPECT_EQ(-1009, codeOf(data(get("https://host.invalid/"))));
 }
 
 TEST_F(HttpSessionsContract, compressedBodiesAreDecoded) {
@@ -257,17 +254,6 @@ TEST_F(HttpSessionsContract, compressedBodiesAreDecoded) {
     EXPECT_EQ("hello", download(get(server.url())).contents);
     EXPECT_THAT(head, HasSubstr("gzip"));
     EXPECT_EQ(-1016, codeOf(data(get(server.url("/junk")))));
-}
-
-TEST_F(HttpSessionsContract, aBodyBeyondTheLimitIsAnErrorInMemoryAndFineInAFile) {
-    use({.certificateAuthorities = {}, .maximumBodySize = 1000});
-    const TestServer server([](Connection& client, const std::string& head) {
-        client.answer(std::string(static_cast<std::size_t>(std::stoi(pathOf(head).substr(1))), 'x'));
-    });
-
-    EXPECT_EQ(0, codeOf(data(get(server.url("/1000")))));
-    EXPECT_EQ(-1103, codeOf(data(get(server.url("/1001")))));
-    EXPECT_EQ(5000U, download(get(server.url("/5000"))).contents->size());
 }
 
 TEST_F(HttpSessionsContract, aHeaderWithALineEndReachesNoServer) {

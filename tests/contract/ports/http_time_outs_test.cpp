@@ -1,8 +1,6 @@
 #include "support/eventually.h"
 #include "support/http_fixture.h"
 
-#include <condition_variable>
-
 namespace lumora::contract {
 namespace {
 
@@ -111,32 +109,6 @@ TEST_F(HttpTimeOutsContract, oneTasksTimeOutLeavesOthersAlone) {
     EXPECT_EQ("xxxxx", body.get_future().get());
 }
 
-TEST_F(HttpTimeOutsContract, withoutANetworkPathAWaitingSessionFailsAtItsTimeOut) {
-    use({}, [] { return false; });
-    const TestServer server([](Connection& client, const std::string&) { client.answer("x"); });
-    HttpSessionConfiguration configuration;
-    configuration.waitsForConnectivity = true;
-    configuration.resourceTimeout = seconds(1);
-
-    const HttpAnswer answer = timed(getWithin(server.url(), seconds(10)), configuration);
-
-    EXPECT_EQ(-1001, codeOf(answer));
-    EXPECT_GE(took_, milliseconds(950));
-    EXPECT_EQ(0, server.requests());
-    EXPECT_EQ("x", data(get(server.url())).body) << "a session that does not wait simply tries";
-}
-
-TEST_F(HttpTimeOutsContract, aWaitingRequestIsSentWhenANetworkPathComes) {
-    std::atomic<int> asked = 0;
-    use({}, [&] { return ++asked > 3; });
-    const TestServer server([](Connection& client, const std::string&) { client.answer("x"); });
-    HttpSessionConfiguration configuration;
-    configuration.waitsForConnectivity = true;
-
-    EXPECT_EQ("x", data(get(server.url()), configuration).body);
-    EXPECT_GE(asked, 4);
-}
-
 TEST_F(HttpTimeOutsContract, aWaitingSessionWithAPathFailsAtOnceWhenRefused) {
     int port = 0;
     {
@@ -150,12 +122,6 @@ TEST_F(HttpTimeOutsContract, aWaitingSessionWithAPathFailsAtOnceWhenRefused) {
 
     EXPECT_EQ(-1004, codeOf(answer));
     EXPECT_LT(took_, seconds(10));
-}
-
-TEST_F(HttpTimeOutsContract, theSystemsOwnMonitorAnswers) {
-    // What it answers depends on the machine; that it does, and stays with it, does not.
-    EXPECT_EQ(platform::linux_backend::systemHasNetworkPath(),
-              platform::linux_backend::systemHasNetworkPath());
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "support/http_fixture.h"
+#include "support/linux_http_fixture.h"
 
 #include <cstdlib>
 
@@ -25,7 +25,7 @@ class PermissiveOpenSsl {
 };
 const PermissiveOpenSsl permissiveOpenSsl;
 
-class HttpTlsContract : public HttpFixture {
+class HttpTlsContract : public LinuxHttpFixture {
   protected:
     HttpTlsContract() {
         authority_.writeCertificate(folder_ / "authority.pem");

@@ -1,5 +1,5 @@
-#include "platform/linux/ports/linux_property_lists.h"
 #include "platform/posix/posix_task_runner.h"
+#include "support/backend.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -57,7 +57,7 @@ class PropertyListsContract : public testing::Test {
         return value;
     }
 
-    platform::linux_backend::LinuxPropertyLists lists_;
+    PropertyLists lists_;
     TemporaryFolder folder_;
 
   private:

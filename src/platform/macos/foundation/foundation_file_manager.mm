@@ -14,7 +14,13 @@ NSFileManager* manager() { return NSFileManager.defaultManager; }
 
 NSData* bytesOf(std::string_view text) { return [NSData dataWithBytes:text.data() length:text.size()]; }
 
-// A name beside the path for what becomes the path in one step, when it is whole.
+// The entry itself, also when it is a link: no slash at its end follows it.
+NSString* entryAt(const std::string& text) {
+    NSString* path = nsString(text);
+    return [path.stringByDeletingLastPathComponent stringByAppendingPathComponent:path.lastPathComponent];
+}
+
+// A name beside the entry for what takes its place, or leaves it, in one step.
 NSString* besides(NSString* path) {
     NSString* name = [@"." stringByAppendingString:NSUUID.UUID.UUIDString];
     return [path.stringByDeletingLastPathComponent stringByAppendingPathComponent:name];
@@ -77,9 +83,9 @@ Result<void> FoundationFileManager::createDirectoryWithIntermediates(const std::
 
 Result<void> FoundationFileManager::copyItem(const std::string& source, const std::string& destination) {
     return attempt([&](NSError** error) {
-        NSString* copy = besides(nsString(destination));
-        const bool copied = [manager() copyItemAtPath:nsString(source) toPath:copy error:error] &&
-                            [manager() moveItemAtPath:copy toPath:nsString(destination) error:error];
+        NSString* copy = besides(entryAt(destination));
+        const bool copied = [manager() copyItemAtPath:entryAt(source) toPath:copy error:error] &&
+                            [manager() moveItemAtPath:copy toPath:entryAt(destination) error:error];
         if (!copied)
             [manager() removeItemAtPath:copy error:nil];
         return copied;
@@ -87,13 +93,23 @@ Result<void> FoundationFileManager::copyItem(const std::string& source, const st
 }
 
 Result<void> FoundationFileManager::removeItem(const std::string& path) {
-    return attempt([&](NSError** error) { return [manager() removeItemAtPath:nsString(path) error:error]; });
+    return attempt([&](NSError** error) {
+        NSString* removed = besides(entryAt(path));
+        if (![manager() moveItemAtPath:entryAt(path)
+                                toPath:removed
+                                 error:error]) // not emptied where it must stay
+            return false;
+        if ([manager() removeItemAtPath:removed error:error])
+            return true;
+        [manager() moveItemAtPath:removed toPath:entryAt(path) error:nil];
+        return false;
+    });
 }
 
 Result<void> FoundationFileManager::createFile(const std::string& path, std::string_view contents,
                                                const FileAttributes& attributes) {
     return atPort([&]() -> Result<void> {
-        NSString* file = besides(nsString(path));
+        NSString* file = besides(entryAt(path));
         NSError* error = nil;
         if (![manager() createFileAtPath:file contents:nil attributes:dictionaryOf(attributes)])
             return posix_backend::posixError(errno, path);

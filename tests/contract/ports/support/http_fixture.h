@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/ports/linux_http_sessions.h"
+#include "support/backend.h"
 #include "support/temporary_folder.h"
 #include "support/test_server.h"
 
@@ -63,18 +63,8 @@ class HttpFixture : public testing::Test {
         return answer.error ? answer.error->code : 0;
     }
 
-    /// New sessions with other settings.
-    void use(
-        platform::linux_backend::HttpTransferSettings settings,
-        std::function<bool()> hasNetworkPath = [] { return true; }) {
-        sessions_ = std::make_unique<platform::linux_backend::LinuxHttpSessions>(std::move(settings),
-                                                                                 std::move(hasNetworkPath));
-    }
-
     TemporaryFolder folder_;
-    std::unique_ptr<platform::linux_backend::LinuxHttpSessions> sessions_ =
-        std::make_unique<platform::linux_backend::LinuxHttpSessions>(
-            platform::linux_backend::HttpTransferSettings{}, [] { return true; });
+    std::unique_ptr<platform::HttpSessions> sessions_ = makeHttpSessions();
 };
 
 } // namespace lumora::contract

@@ -28,8 +28,10 @@ std::string reportOf(const std::function<std::string()>& body) {
 
 Child::Child(const std::function<std::string()>& body) {
     std::array<int, 2> ends{};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+    if (::pipe(ends.data()) != 0)
         return;
+    for (const int end : ends)
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
     process_ = ::fork();
     if (process_ == 0) {
         ::alarm(kDeadlineSeconds);

@@ -13,6 +13,25 @@
 
 namespace lumora::contract {
 
+namespace {
+
+sockaddr_in loopback(int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    return address;
+}
+
+int connectTo(int port) {
+    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    const sockaddr_in address = loopback(port);
+    ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    return socket;
+}
+
+} // namespace
+
 Connection::Connection(int socket, SSL_CTX* context) : socket_(socket) {
     if (context == nullptr)
         return;
@@ -31,8 +50,7 @@ void Connection::send(std::string_view text) {
     if (tls_)
         SSL_write(tls_.get(), text.data(), static_cast<int>(text.size()));
     else
-        static_cast<void>(
-            ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL)); // a client that left is no fault
+        static_cast<void>(::send(socket_, text.data(), text.size(), 0)); // a client that left is no fault
 }
 
 void Connection::answer(std::string_view body, std::string_view status, std::string_view headers) {
@@ -73,10 +91,8 @@ std::string Connection::readHead() {
 
 TestServer::TestServer(Handler handler, SSL_CTX* context) : handler_(std::move(handler)), context_(context) {
     std::signal(SIGPIPE, SIG_IGN);
-    listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address = loopback(0);
     socklen_t length = sizeof address;
     if (::bind(listener_, reinterpret_cast<const sockaddr*>(&address), length) != 0 ||
         ::listen(listener_, 64) != 0 ||
@@ -85,9 +101,11 @@ TestServer::TestServer(Handler handler, SSL_CTX* context) : handler_(std::move(h
     port_ = ntohs(address.sin_port);
     acceptor_ = std::thread([this] {
         for (;;) {
-            const int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-            if (socket < 0)
+            const int socket = ::accept(listener_, nullptr, nullptr);
+            if (socket < 0 || stopping_) {
+                ::close(socket);
                 return;
+            }
             const std::lock_guard lock(mutex_);
             sockets_.push_back(socket);
             threads_.emplace_back([this, socket] { serve(socket); });
@@ -96,8 +114,10 @@ TestServer::TestServer(Handler handler, SSL_CTX* context) : handler_(std::move(h
 }
 
 TestServer::~TestServer() {
-    ::shutdown(listener_, SHUT_RDWR);
+    stopping_ = true;
+    const int last = connectTo(port_); // not every system ends an accept whose socket is shut down
     acceptor_.join();
+    ::close(last);
     ::close(listener_);
     for (const int socket : sockets_)
         ::shutdown(socket, SHUT_RDWR);

@@ -70,6 +70,7 @@ class TestServer {
     SSL_CTX* const context_;
     int listener_ = -1;
     int port_ = 0;
+    std::atomic<bool> stopping_ = false;
     std::atomic<int> requests_ = 0;
     mutable std::mutex mutex_;
     std::vector<int> sockets_;

@@ -1,0 +1,2 @@
+// Nothing of it is used.
+#pragma once
