@@ -58,7 +58,8 @@ class DebianPackage(unittest.TestCase):
 
     def test_command_is_the_bundles_program(self):
         text = (self.root / "usr/bin/ovra-tessel-lumora").read_text(encoding="ascii")
-        self.assertEqual(text, f'#!/bin/sh\nexec "/Applications/{release.NAME}.app/Contents/MacOS/{release.NAME}" "$@"\n')
+        program = f"/Applications/{release.NAME}.app/Contents/MacOS/{release.NAME}"
+        self.assertEqual(text, f'#!/bin/sh\nexec "{program}" "$@"\n')
 
     def test_icons_have_the_sizes_of_their_folders(self):
         icons = self.root / "usr/share/icons/hicolor"
@@ -94,7 +95,8 @@ class DebianPackage(unittest.TestCase):
                     self.assertTrue(packages & {owner.split(":")[0] for owner in owners}, library)
 
     def test_versions_agree(self):
-        version = plistlib.loads((self.root / BUNDLE / "Contents/Info.plist").read_bytes())["CFBundleShortVersionString"]
+        information = plistlib.loads((self.root / BUNDLE / "Contents/Info.plist").read_bytes())
+        version = information["CFBundleShortVersionString"]
         self.assertEqual(field("Version"), version)
         metainfo = xml.etree.ElementTree.parse(self.root / f"usr/share/metainfo/{release.DOMAIN}.metainfo.xml")
         self.assertEqual(metainfo.find("releases/release").get("version"), version)

@@ -115,7 +115,8 @@ def dpkg(*words, check=True, triggers=False):
     options = ["--force-unsafe-io"] + ([] if triggers else ["--no-triggers"])
     done = subprocess.run(["dpkg", *options, *map(str, words)], stdin=subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False,
-                          env=os.environ | {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "DEBIAN_FRONTEND": "noninteractive"})
+                          env=os.environ | {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin",
+                                            "DEBIAN_FRONTEND": "noninteractive"})
     if check and done.returncode != 0:
         raise AssertionError(done.stdout)
     return done

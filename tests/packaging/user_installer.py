@@ -49,7 +49,8 @@ class Install(InstallerCase):
         package = pathlib.Path("/tmp/package")
         subprocess.run(["dpkg-deb", "--extract", release.debian_package(), package], check=True)
         self.assertEqual(machine.picture(self.home / "Applications"), machine.picture(package / "Applications"))
-        self.assertEqual(machine.picture(self.home / ".local/share/icons"), machine.picture(package / "usr/share/icons"))
+        self.assertEqual(machine.picture(self.home / ".local/share/icons"),
+                         machine.picture(package / "usr/share/icons"))
         self.assertEqual(os.listdir(self.home / ".local/share/applications"), [f"{release.DOMAIN}.desktop"])
         self.assertEqual(sorted(os.listdir(self.home)), [".local", "Applications"])
         self.assertIn(f"is installed in {self.home / BUNDLE} and stands in your menu.", text)
@@ -144,8 +145,8 @@ class MenuEntry(InstallerCase):
                 witness = pathlib.Path("/tmp/started")
                 witness.unlink(missing_ok=True)
                 program = self.home / BUNDLE / f"Contents/MacOS/{release.NAME}"
-                program.write_text('#!/bin/sh\nprintf "%s %s" "$0" "$#" >/tmp/starting && mv /tmp/starting /tmp/started\n',
-                                   encoding="ascii")
+                program.write_text('#!/bin/sh\nprintf "%s %s" "$0" "$#" >/tmp/starting\n'
+                                   "mv /tmp/starting /tmp/started\n", encoding="ascii")
                 subprocess.run(["gio", "launch", self.home / ENTRY], check=True)
                 deadline = time.monotonic() + 30
                 while not witness.exists():

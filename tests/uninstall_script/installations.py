@@ -104,7 +104,8 @@ class Installations(UninstallCase):
         self.assertEqual(os.listdir(cache), [])
 
     def test_cut_off_downloads_of_the_user_alone_go(self):
-        own, others, another = (pathlib.Path(f"/tmp/lumora-download-{end}") for end in ("aB3dEf", "aB3dEg", "notes.txt"))
+        own, others, another = (pathlib.Path(f"/tmp/lumora-download-{end}")
+                                for end in ("aB3dEf", "aB3dEg", "notes.txt"))
         for path in (own, others, another):
             decoys.write(path)
             self.addCleanup(path.unlink, missing_ok=True)

@@ -68,7 +68,8 @@ class InstalledForOneUser(OrdinaryUserCase):
     def test_update_takes_the_bundles_place_and_starts(self):
         self.offer_newer()
         self.start_as_user()
-        self.log.wait_for_start("-[OvraLumoraUpdater unMountingOvraLumoraDmg] : Dmg unmount task termination status : 0")
+        self.log.wait_for_start("-[OvraLumoraUpdater unMountingOvraLumoraDmg] : "
+                                "Dmg unmount task termination status : 0")
         self.assertNotEqual(version(self.bundle), NEWER)
 
         self.close()
@@ -79,7 +80,8 @@ class InstalledForOneUser(OrdinaryUserCase):
 
         self.data_centre.answer(application=None)
         self.start_as_user()
-        self.log.wait_for(f"+[Utils getOvraLumoraAppVersion] local Ovra Tessel Lumora App version : {NEWER}", self.started)
+        self.log.wait_for(f"+[Utils getOvraLumoraAppVersion] local Ovra Tessel Lumora App version : {NEWER}",
+                          self.started)
         self.close()
 
     def test_goes_without_a_trace_after_use(self):

@@ -5,10 +5,12 @@ import pathlib
 import shutil
 import subprocess
 import sys
+import unittest
 import unittest.mock
 
 from cases import join
-from harness import agent, application, case, ordinary_user, places, waiting
+from cases.uninstall import press
+from harness import agent, application, case, ordinary_user, places, polkit, waiting
 from harness.log_file import Log
 from harness.ordinary_user import UID
 
@@ -32,6 +34,16 @@ def setUpModule():
 
 
 tearDownModule = case.tear_down_module
+
+
+def left_of_ours(home):
+    """The desktop's libraries keep caches of their own there."""
+    names = [str(path.relative_to(home)) for path in home.rglob("*")]
+    return [name for name in names if not name.startswith((".cache", ".config", ".local")) or "ovra" in name.lower()]
+
+
+def wait_until_nothing_is_left(home):
+    waiting.until(lambda: not left_of_ours(home), lambda: f"a home without {left_of_ours(home)}")
 
 
 class InstalledJoin(join.Join):
@@ -96,20 +108,16 @@ class OrdinaryUser(ordinary_user.OrdinaryUserCase):
         shutil.copyfile(places.BUNDLE / "Contents/Resources/uninstall_lumora.sh", copy)
 
         # As polkit's program starts it once the administrator has agreed.
-        done = subprocess.run(["/usr/libexec/ovra-tessel-lumora/administrator-shell", f"/bin/bash '{copy}' --skip-kill 2>&1"],
+        shell = "/usr/libexec/ovra-tessel-lumora/administrator-shell"
+        done = subprocess.run([shell, f"/bin/bash '{copy}' --skip-kill 2>&1"],
                               env={"PATH": "/usr/bin:/bin", "HOME": "/root", "PKEXEC_UID": str(UID)},
                               stdout=subprocess.PIPE, text=True, check=False)
         self.assertEqual(done.returncode, 0, done.stdout)
         self.assertTrue(self.application.running())
         self.close()
 
-        def left():
-            """The desktop's libraries keep caches of their own there."""
-            names = [str(path.relative_to(self.home.path)) for path in self.home.path.rglob("*")]
-            return [name for name in names if not name.startswith((".cache", ".config", ".local"))
-                    or "ovra" in name.lower()]
         # The web view's processes write a last time when they end, which may be after the application.
-        waiting.until(lambda: not left(), lambda: f"a home without {left()}")
+        wait_until_nothing_is_left(self.home.path)
         self.assertFalse(places.BUNDLE.exists())
 
     def offer_update(self):
@@ -120,7 +128,8 @@ class OrdinaryUser(ordinary_user.OrdinaryUserCase):
         self.data_centre.answer(application={"representation": {"update": True, "download_url": None}})
 
     def wait_for_staged_update(self):
-        self.log.wait_for_start("-[OvraLumoraUpdater unMountingOvraLumoraDmg] : Dmg unmount task termination status : 0")
+        self.log.wait_for_start("-[OvraLumoraUpdater unMountingOvraLumoraDmg] : "
+                                "Dmg unmount task termination status : 0")
 
     def test_offered_update_cannot_replace_the_administrators_bundle_and_leaves_it_whole(self):
         self.offer_update()
@@ -131,8 +140,8 @@ class OrdinaryUser(ordinary_user.OrdinaryUserCase):
 
         self.close()
 
-        self.log.wait_for_start("+[Utils updateLumoraIfNeeded] Failed to Remove Existing old Lumora app (1.0.0) in folder "
-                                f"{places.BUNDLE} Error:  ")
+        self.log.wait_for_start("+[Utils updateLumoraIfNeeded] Failed to Remove Existing old Lumora app (1.0.0) "
+                                f"in folder {places.BUNDLE} Error:  ")
         self.assertEqual(machine.dpkg("--verify", PACKAGE).stdout, "")
 
     def test_offered_update_replaces_a_bundle_that_was_handed_to_the_users_group(self):
@@ -152,6 +161,52 @@ class OrdinaryUser(ordinary_user.OrdinaryUserCase):
     def install_afresh():
         machine.dpkg("--purge", PACKAGE)
         machine.dpkg("--install", *RELEASE.glob("*.deb"))
+
+
+@unittest.skipIf(polkit.user_namespace(), "the world has no second user who could ask for an administrator's rights")
+class UninstallCommand(ordinary_user.OrdinaryUserCase):
+    """Through the menu, the package's own prompt and the real polkit."""
+
+    PROMPT = "Authentication is required to remove Ovra Tessel Lumora for all users of this computer"
+
+    @classmethod
+    def setUpClass(cls):
+        rights = polkit.Polkit()
+        cls.addClassCleanup(rights.stop)
+
+    def setUp(self):
+        super().setUp()
+        self.addCleanup(machine.dpkg, "--install", *RELEASE.glob("*.deb"))
+        self.start_as_user()
+        self.wait_for_launch_checks()
+
+    def choose_uninstall(self, answer):
+        self.application.wait_for_window()
+        administrator = polkit.Agent(self.application.pid, answer)
+        self.addCleanup(administrator.stop)
+        press("alt+l", "u")
+        self.wait_for_alerts(1)
+        press("Return")
+        self.assertEqual(administrator.wait_for_prompt(), self.PROMPT)
+
+    def wait_for_alerts(self, count):
+        waiting.until(lambda: len(self.application.windows()) == 1 + count, f"{count} alerts")
+
+    def test_granted_removes_the_package_and_what_the_user_has_of_it(self):
+        self.choose_uninstall("grant")
+        waiting.until(lambda: not places.BUNDLE.exists(), "the bundle's removal")
+        self.wait_for_alerts(1)
+        press("Return")
+        waiting.until(lambda: not self.application.running(), "the end of the application")
+        self.assertEqual(self.application.returncode, 0)
+        self.assertNotEqual(machine.dpkg("--status", PACKAGE, check=False).returncode, 0)
+        wait_until_nothing_is_left(self.home.path)
+
+    def test_dismissed_changes_nothing(self):
+        self.choose_uninstall("dismiss")
+        self.wait_for_alerts(0)
+        self.assertTrue(self.application.running())
+        self.assertEqual(machine.dpkg("--verify", PACKAGE).stdout, "")
 
 
 class WhenPurged(case.EndToEndCase):
