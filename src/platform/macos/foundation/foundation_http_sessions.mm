@@ -100,8 +100,9 @@ class FoundationHttpSession final : public HttpSession {
     FoundationHttpSession(const FoundationHttpSession&) = delete;
     FoundationHttpSession& operator=(const FoundationHttpSession&) = delete;
 
+    // The lambdas copy what their blocks keep: of what a lambda refers to, a block keeps the reference.
     void startDataTask(HttpRequest request, HttpDataCompletion completion) override {
-        start(request, completion, [&] {
+        start(request, completion, [&, completion] {
             return [session_ dataTaskWithRequest:requestFrom(request)
                                completionHandler:^(NSData* data, NSURLResponse* response, NSError* error) {
                                    auto answer = answerFrom<HttpAnswer>(response, error);
@@ -113,7 +114,7 @@ class FoundationHttpSession final : public HttpSession {
     }
 
     void startDownloadTask(HttpRequest request, HttpDownloadCompletion completion) override {
-        start(request, completion, [&] {
+        start(request, completion, [&, completion] {
             return [session_ downloadTaskWithRequest:requestFrom(request)
                                    completionHandler:^(NSURL* file, NSURLResponse* response, NSError* error) {
                                        auto answer = answerFrom<HttpDownload>(response, error);
@@ -132,7 +133,7 @@ class FoundationHttpSession final : public HttpSession {
   private:
     template <class Answer, class MakeTask>
     void start(const HttpRequest& request, std::function<void(Answer)> completion, const MakeTask& makeTask) {
-        atPort([&] {
+        atPort([&, completion] {
             NSError* refusal = refusalOf(request, invalid_);
             if (refusal == nil)
                 return [makeTask() resume];

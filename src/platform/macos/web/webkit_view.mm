@@ -69,7 +69,7 @@ class WebKitView final : public WebView {
 
     void evaluateJavaScript(const std::string& script,
                             std::function<void(std::optional<Error>)> completion) override {
-        atPort([&] {
+        atPort([&, completion] { // the block would keep a mere reference otherwise
             [view_ evaluateJavaScript:nsString(script)
                     completionHandler:^(id, NSError* error) {
                         completion(error == nil ? std::nullopt : std::optional(errorOf(error)));
