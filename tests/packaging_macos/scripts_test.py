@@ -119,6 +119,24 @@ class Work(PackagingScript):
             self.assertIn("-DBUILD_SHARED_LIBS=OFF", call)
         self.assertEqual(4, len(self.tools.calls("git")), "a second run clones nothing")
 
+    def test_the_bundle_is_built_with_those_libraries_and_checked_for_both_processors(self):
+        build = self.tools.root / "build"
+        resources = build / BUNDLE / "Contents" / "Resources"
+        self.tools.add("git", 'mkdir -p "${@: -1}"')
+        self.tools.add("cmake", f'[[ $1 != --build || $2 != "{build}" ]] || mkdir -p "{resources}"')
+        self.tools.add("iconutil", 'echo icon > "$4"')
+        for name in ("lipo", "rsvg-convert", "xcrun"):
+            self.tools.add(name)
+        libraries = self.tools.root / "libraries"
+        outcome = self.tools.run("build-bundle", build, libraries)
+        self.assertEqual(0, outcome.returncode, outcome.stderr)
+        self.assertEqual(str(build / BUNDLE), outcome.stdout.splitlines()[-1])
+        (configured,) = [call for call in self.tools.calls("cmake") if "--preset" in call]
+        self.assertIn("macos-release", configured)
+        self.assertIn(f"-DCMAKE_PREFIX_PATH={libraries}", configured)
+        self.assertTrue((resources / "OvraTesselLumora.icns").is_file())
+        self.assertEqual(["arm64", "x86_64"], [call[-1] for call in self.tools.calls("lipo")])
+
     def test_the_image_holds_the_bundle_alone_under_the_name_that_self_update_mounts(self):
         bundle = self.tools.folder(BUNDLE)
         self.tools.add("ditto", 'cp -R "$1" "$2"')

@@ -7,7 +7,7 @@ from pathlib import Path
 
 from places import PACKAGING
 
-ORDINARY = ["basename", "bash", "cat", "cp", "dirname", "env", "grep", "ls", "mkdir", "mktemp", "mv", "rm", "tail"]
+ORDINARY = ["basename", "bash", "cat", "cp", "dirname", "env", "grep", "ls", "mkdir", "mktemp", "mv", "rm", "tail", "tee"]
 
 
 class Tools:
