@@ -87,7 +87,7 @@ Result<void> FoundationFileManager::copyItem(const std::string& source, const st
         const bool copied = [manager() copyItemAtPath:entryAt(source) toPath:copy error:error] &&
                             [manager() moveItemAtPath:copy toPath:entryAt(destination) error:error];
         if (!copied)
-            [manager() removeItemAtPath:copy error:nil];
+            [manager() removeItemAtPath:copy error:nullptr];
         return copied;
     });
 }
@@ -101,7 +101,7 @@ Result<void> FoundationFileManager::removeItem(const std::string& path) {
             return false;
         if ([manager() removeItemAtPath:removed error:error])
             return true;
-        [manager() moveItemAtPath:removed toPath:entryAt(path) error:nil];
+        [manager() moveItemAtPath:removed toPath:entryAt(path) error:nullptr];
         return false;
     });
 }
@@ -114,12 +114,12 @@ Result<void> FoundationFileManager::createFile(const std::string& path, std::str
         if (![manager() createFileAtPath:file contents:nil attributes:dictionaryOf(attributes)])
             return posix_backend::posixError(errno, path);
         if (![bytesOf(contents) writeToFile:file options:0 error:&error]) {
-            [manager() removeItemAtPath:file error:nil];
+            [manager() removeItemAtPath:file error:nullptr];
             return errorOf(error);
         }
         if (std::rename(file.fileSystemRepresentation, nsString(path).fileSystemRepresentation) != 0) {
             const int code = errno;
-            [manager() removeItemAtPath:file error:nil];
+            [manager() removeItemAtPath:file error:nullptr];
             return posix_backend::posixError(code, path);
         }
         return {};

@@ -1,0 +1,15 @@
+// What is used of macOS's <sys/xattr.h>, whose calls take more than this system's.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+#include <sys/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+ssize_t getxattr(const char* path, const char* name, void* value, size_t size, uint32_t position, int options);
+int setxattr(const char* path, const char* name, const void* value, size_t size, uint32_t position, int options);
+#ifdef __cplusplus
+}
+#endif
