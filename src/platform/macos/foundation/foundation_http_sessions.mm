@@ -16,7 +16,8 @@
     willPerformHTTPRedirection:(NSHTTPURLResponse*)response
                     newRequest:(NSURLRequest*)request
              completionHandler:(void (^)(NSURLRequest*))completionHandler {
-    completionHandler(nil);
+    // Without a response it is no server's redirect: the system has put the request into its canonical form.
+    completionHandler(response == nil ? request : nil);
 }
 @end
 
@@ -53,23 +54,21 @@ NSURLRequest* requestFrom(const HttpRequest& request) {
     return made;
 }
 
-// Why the request is not even tried; nil when it is. A session by itself speaks more than the two schemes.
-NSError* refusalOf(const HttpRequest& request, bool isSessionInvalid) {
-    const auto refusal = [](NSInteger code, NSString* text, NSURL* url) {
-        NSMutableDictionary* details = [NSMutableDictionary dictionaryWithObject:text
-                                                                          forKey:NSLocalizedDescriptionKey];
-        if (url != nil)
-            [details setObject:url forKey:NSURLErrorFailingURLErrorKey];
-        return [NSError errorWithDomain:NSURLErrorDomain code:code userInfo:details];
+// Why the request is not even tried; absent when it is. A session by itself speaks more than the two schemes.
+std::optional<Error> refusalOf(const HttpRequest& request, bool isSessionInvalid) {
+    const auto refusal = [&](NSInteger code, const char* text) {
+        return Error{textOf(NSURLErrorDomain), static_cast<int>(code), text, request.url};
     };
     if (!request.url)
-        return refusal(NSURLErrorBadURL, @"bad URL", nil);
+        return refusal(NSURLErrorBadURL, "bad URL");
     NSURL* url = addressFrom(*request.url);
     if (![@[ @"http", @"https" ] containsObject:url.scheme.lowercaseString])
-        return refusal(NSURLErrorUnsupportedURL, @"unsupported URL", url);
+        return refusal(NSURLErrorUnsupportedURL, "unsupported URL");
+    if (url.host.length == 0)
+        return refusal(NSURLErrorBadURL, "bad URL");
     if (isSessionInvalid)
-        return refusal(NSURLErrorCancelled, @"cancelled", url);
-    return nil;
+        return refusal(NSURLErrorCancelled, "cancelled");
+    return std::nullopt;
 }
 
 // How any task ended, but for its body.
@@ -134,11 +133,12 @@ class FoundationHttpSession final : public HttpSession {
     template <class Answer, class MakeTask>
     void start(const HttpRequest& request, std::function<void(Answer)> completion, const MakeTask& makeTask) {
         atPort([&, completion] {
-            NSError* refusal = refusalOf(request, invalid_);
-            if (refusal == nil)
+            Answer refused;
+            refused.error = refusalOf(request, invalid_);
+            if (!refused.error)
                 return [makeTask() resume];
             [session_.delegateQueue addOperationWithBlock:^{
-                deliver(completion, answerFrom<Answer>(nil, refusal));
+                deliver(completion, refused);
             }];
         });
     }
