@@ -14,7 +14,8 @@ class FoundationAppleScript final : public AppleScript {
     std::optional<AppleScriptError> execute() override {
         return atPort([&]() -> std::optional<AppleScriptError> {
             NSDictionary<NSString*, id>* error = nil;
-            if ([script_ executeAndReturnError:&error] != nil)
+            [script_ executeAndReturnError:&error];
+            if (error == nil)
                 return std::nullopt;
             const auto number = valueFrom<std::int64_t>([error objectForKey:NSAppleScriptErrorNumber]);
             return AppleScriptError{static_cast<int>(number.value_or(0)),
