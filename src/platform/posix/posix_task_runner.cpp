@@ -24,8 +24,10 @@ Result<Pipe> makePipe() {
     // Closed on exec: a child that another thread starts meanwhile would keep the pipe from ever ending.
 #ifdef __APPLE__
     const int failed = ::pipe(ends.data());
-    for (const int end : ends)
-        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+    for (const int end : ends) {
+        if (failed == 0)
+            ::fcntl(end, F_SETFD, FD_CLOEXEC);
+    }
 #else
     const int failed = ::pipe2(ends.data(), O_CLOEXEC);
 #endif
