@@ -19,6 +19,7 @@ import machine  # noqa: E402  (the packages' tests' own)
 
 RELEASE = places.BUILT_BUNDLE.parent / "package"
 PACKAGE = "ovra-tessel-lumora"
+PACKAGE_MANAGER_SECONDS = 300
 
 
 def setUpModule():
@@ -189,13 +190,14 @@ class UninstallCommand(ordinary_user.OrdinaryUserCase):
         press("Return")
         self.assertEqual(administrator.wait_for_prompt(), self.PROMPT)
 
-    def wait_for_alerts(self, count):
-        waiting.until(lambda: len(self.application.windows()) == 1 + count, f"{count} alerts")
+    def wait_for_alerts(self, count, seconds=waiting.SECONDS):
+        waiting.until(lambda: len(self.application.windows()) == 1 + count, f"{count} alerts", seconds)
 
     def test_granted_removes_the_package_and_what_the_user_has_of_it(self):
         self.choose_uninstall("grant")
-        waiting.until(lambda: not places.BUNDLE.exists(), "the bundle's removal")
-        self.wait_for_alerts(1)
+        # The package manager also brings the manual's index and the icon cache up to date.
+        waiting.until(lambda: not places.BUNDLE.exists(), "the bundle's removal", PACKAGE_MANAGER_SECONDS)
+        self.wait_for_alerts(1, PACKAGE_MANAGER_SECONDS)
         press("Return")
         waiting.until(lambda: not self.application.running(), "the end of the application")
         self.assertEqual(self.application.returncode, 0)
