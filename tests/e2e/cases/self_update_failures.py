@@ -1,11 +1,13 @@
 """Self-updates that go wrong: each with its lines, and the running bundle unharmed."""
 
+import os
+import shutil
 import subprocess
 
 from harness import bundles, images, places, waiting
 from harness.case import set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
 from harness.update_case import (BANNER, BEGUN, COPIED, COPY, DETACHED, DOWNLOAD, DOWNLOADED, IMAGE_PATH, IMAGE_URL,
-                                 NOTHING_STAGED, SWAP, VERSION, UpdateCase, located, swap_lines)
+                                 NOTHING_STAGED, SWAP, VERSION, VOLUME, UpdateCase, located, swap_lines)
 
 BUNDLE_NAME = "Ovra Tessel Lumora.app"
 
@@ -115,6 +117,25 @@ class Images(FailureCase):
         whole = self.data_centre.application_image.read_bytes()
         self.serve_image(whole[:len(whole) // 2])
         self.assert_not_mounted()
+
+    def test_volume_that_another_user_has_put_there(self):
+        """Everybody writes the folder of the volumes: what stands there under the image's name may be anyone's."""
+        planted = VOLUME / BUNDLE_NAME / "Contents/Info.plist"
+        planted.parent.mkdir(parents=True)
+        self.addCleanup(shutil.rmtree, VOLUME, ignore_errors=True)
+        planted.write_text("planted")
+        try:
+            os.chown(VOLUME, 4711, 4711)
+        except OSError:
+            self.skipTest("there is no other user in this world")
+        self.start_update()
+        self.wait_for_chain()
+        downloaded, detached = self.begin_of_chain(IMAGE_URL)
+        self.assertEqual(downloaded, DOWNLOADED)
+        self.assertTrue(detached.startswith(DETACHED) and detached != DETACHED + "0", detached)
+        self.assertTrue(planted.exists())
+        shutil.rmtree(VOLUME)
+        self.assert_nothing_comes_of_it()
 
     def assert_not_copied(self):
         """Mounts, has nothing where the bundle is looked for, and is detached again."""

@@ -3,6 +3,7 @@
 #include "platform/linux/ports/file_contents.h"
 #include "platform/linux/ports/file_tree.h"
 #include "platform/linux/ports/temporary_sibling.h"
+#include "platform/linux/ports/volumes.h"
 #include "platform/posix/folder_hold.h"
 #include "platform/posix/posix_error.h"
 #include "platform/posix/unique_fd.h"
@@ -125,6 +126,8 @@ Result<void> LinuxFileManager::copyItem(const std::string& source, const std::st
     const auto to = resolved(destination);
     if (!from || !to)
         return from ? to.error() : from.error();
+    if (const int error = findVolumeObstacle(from.value()); error != 0)
+        return posixError(error, source);
 
     struct stat status {};
     if (::lstat(from.value().c_str(), &status) != 0)

@@ -14,6 +14,8 @@ class LinuxFileManager final : public FileManager {
     std::string libraryDirectory() override;
     bool fileExists(const std::string& path) override;
     Result<void> createDirectoryWithIntermediates(const std::string& path) override;
+
+    /// Takes nothing out of a volume that another user has put into the folder of the volumes.
     Result<void> copyItem(const std::string& source, const std::string& destination) override;
     Result<void> removeItem(const std::string& path) override;
 
