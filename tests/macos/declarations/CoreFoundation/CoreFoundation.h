@@ -11,15 +11,10 @@ extern "C" {
 #endif
 
 typedef unsigned char Boolean;
-typedef const void* CFTypeRef;
-typedef const CF_BRIDGED_TYPE(id) void* CFPropertyListRef;
+typedef const CF_BRIDGED_TYPE(id) void* CFTypeRef;
+typedef CFTypeRef CFPropertyListRef;
 typedef const struct CF_BRIDGED_TYPE(NSString) __CFString* CFStringRef;
 typedef struct CF_BRIDGED_TYPE(NSError) __CFError* CFErrorRef;
-typedef const struct CF_BRIDGED_TYPE(NSNumber) __CFBoolean* CFBooleanRef;
-typedef unsigned long CFTypeID;
-
-CFTypeID CFGetTypeID(CFTypeRef value);
-CFTypeID CFBooleanGetTypeID(void);
 
 extern const CFStringRef kCFPreferencesAnyUser;
 extern const CFStringRef kCFPreferencesCurrentUser;

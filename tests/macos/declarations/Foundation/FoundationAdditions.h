@@ -6,18 +6,11 @@
 #define NS_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")
 #define NS_ASSUME_NONNULL_END _Pragma("clang assume_nonnull end")
 #endif
-#define CF_CONSUMED __attribute__((cf_consumed))
-#define NS_INLINE static inline
-#define NS_TYPED_ENUM
 #define NS_TYPED_EXTENSIBLE_ENUM
 
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NSString* NSRunLoopMode NS_TYPED_EXTENSIBLE_ENUM;
-
-NS_INLINE id _Nullable CFBridgingRelease(CFTypeRef CF_CONSUMED _Nullable X) {
-    return (__bridge_transfer id)X;
-}
 
 @interface NSURL (Lumora)
 + (NSURL*)URLWithDataRepresentation:(NSData*)data
@@ -33,6 +26,12 @@ enum {
 extern NSString* const NSFileProtectionKey API_AVAILABLE(macos(11.0), ios(4.0), watchos(2.0), tvos(9.0));
 extern NSString* const NSFileProtectionComplete API_AVAILABLE(macos(11.0), ios(4.0), watchos(2.0), tvos(9.0));
 
+@interface NSFileManager (Lumora)
+- (BOOL)setAttributes:(NSDictionary<NSString*, id>*)attributes
+         ofItemAtPath:(NSString*)path
+                error:(NSError**)error API_AVAILABLE(macos(10.5), ios(2.0), watchos(2.0), tvos(9.0));
+@end
+
 typedef NS_OPTIONS(NSUInteger, NSDataReadingOptions) {
     NSDataReadingMappedIfSafe = 1UL << 0,
 };
@@ -47,7 +46,8 @@ typedef NS_OPTIONS(NSUInteger, NSDataReadingOptions) {
 - (BOOL)writeData:(NSData*)data
             error:(out NSError**)error API_AVAILABLE(macos(10.15), ios(13.0), watchos(6.0), tvos(13.0));
 - (BOOL)truncateAtOffset:(unsigned long long)offset
-                   error:(out NSError**)error API_AVAILABLE(macos(10.15), ios(13.0), watchos(6.0), tvos(13.0));
+                   error:(out NSError**)error
+    API_AVAILABLE(macos(10.15), ios(13.0), watchos(6.0), tvos(13.0));
 @end
 
 extern NSString* const NSAppleScriptErrorMessage;

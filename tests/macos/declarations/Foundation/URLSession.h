@@ -58,8 +58,6 @@ API_AVAILABLE(macos(10.9), ios(7.0), watchos(2.0), tvos(9.0))
 
 API_AVAILABLE(macos(10.9), ios(7.0), watchos(2.0), tvos(9.0))
 @interface NSURLSession : NSObject
-@property(class, readonly, strong) NSURLSession* sharedSession;
-+ (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration;
 + (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration
                                  delegate:(nullable id<NSURLSessionDelegate>)delegate
                             delegateQueue:(nullable NSOperationQueue*)queue;

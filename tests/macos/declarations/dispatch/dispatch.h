@@ -16,17 +16,12 @@ extern "C" {
 @end
 @protocol OS_dispatch_queue_attr <OS_dispatch_object>
 @end
-@protocol OS_dispatch_semaphore <OS_dispatch_object>
-@end
 typedef NSObject<OS_dispatch_queue>* dispatch_queue_t;
 typedef NSObject<OS_dispatch_queue_attr>* dispatch_queue_attr_t;
-typedef NSObject<OS_dispatch_semaphore>* dispatch_semaphore_t;
 
 typedef void (^dispatch_block_t)(void);
-typedef uint64_t dispatch_time_t;
 
 #define DISPATCH_QUEUE_SERIAL ((dispatch_queue_attr_t)nil)
-#define DISPATCH_TIME_FOREVER (~0ull)
 
 enum {
     QOS_CLASS_USER_INTERACTIVE = 0x21,
@@ -44,12 +39,6 @@ API_AVAILABLE(macos(10.6), ios(4.0))
 __attribute__((ns_returns_retained)) dispatch_queue_t
 dispatch_queue_create(const char* _Nullable label, dispatch_queue_attr_t _Nullable attr);
 API_AVAILABLE(macos(10.6), ios(4.0)) void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
-
-API_AVAILABLE(macos(10.6), ios(4.0))
-__attribute__((ns_returns_retained)) dispatch_semaphore_t dispatch_semaphore_create(intptr_t value);
-API_AVAILABLE(macos(10.6), ios(4.0))
-intptr_t dispatch_semaphore_wait(dispatch_semaphore_t semaphore, dispatch_time_t timeout);
-API_AVAILABLE(macos(10.6), ios(4.0)) intptr_t dispatch_semaphore_signal(dispatch_semaphore_t semaphore);
 
 #ifdef __cplusplus
 }
