@@ -13,6 +13,16 @@ bool isFile(const std::string& address, NSURL* file) {
     return url.fileURL && [url.path isEqualToString:file.path];
 }
 
+/// What went wrong with a script. Of an exception the engine's own description tells no more than that there
+/// was one.
+Error scriptErrorOf(NSError* error) {
+    Error failure = errorOf(error);
+    id message = [error.userInfo objectForKey:@"WKJavaScriptExceptionMessage"]; // no header names it
+    if ([message isKindOfClass:[NSString class]])
+        failure.localizedDescription = textOf(message);
+    return failure;
+}
+
 class WebKitView final : public WebView {
   public:
     explicit WebKitView(WKWebView* view) : view_(view) {}
@@ -72,7 +82,7 @@ class WebKitView final : public WebView {
         atPort([&, completion] { // the block would keep a mere reference otherwise
             [view_ evaluateJavaScript:nsString(script)
                     completionHandler:^(id, NSError* error) {
-                        completion(error == nil ? std::nullopt : std::optional(errorOf(error)));
+                        completion(error == nil ? std::nullopt : std::optional(scriptErrorOf(error)));
                     }];
         });
     }
