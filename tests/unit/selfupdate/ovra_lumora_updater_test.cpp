@@ -109,6 +109,14 @@ TEST_F(LumoraUpdater, downloadsFromTheWebServerWithoutAnAddress) {
     EXPECT_EQ(http.tasks.at(0).request.url, "https://com.ovratessel.example/agent/OvraTesselLumora.dmg");
 }
 
+TEST_F(LumoraUpdater, asksAHostThatDoesNotExistWithoutAWebServer) {
+    session.setWebServerName(std::nullopt);
+
+    updater->downloadLumoradmg();
+
+    EXPECT_EQ(http.tasks.at(0).request.url, "https://(null)/agent/OvraTesselLumora.dmg");
+}
+
 TEST_F(LumoraUpdater, makesNoAddressOfAnEmptyOrMalformedOne) {
     for (const std::string address : {"", "https://two words/"}) {
         session.setLumoraDownloadUrl(address);

@@ -138,6 +138,17 @@ TEST_F(StagedUpdate, keepsABundleThatCannotBeRemoved) {
     EXPECT_THAT(tasks.runs, IsEmpty());
 }
 
+TEST_F(StagedUpdate, putsNothingWhereTheRunningBundleHasBeenTakenAway) {
+    static_cast<void>(files.removeItem(kTarget));
+
+    Utils::updateLumoraIfNeeded();
+
+    EXPECT_THAT(streams.logged().at(2),
+                ::testing::StartsWith(kOperation + " Failed to Remove Existing old Lumora app (1.0.0)"));
+    EXPECT_FALSE(files.fileExists(kTarget));
+    EXPECT_THAT(tasks.runs, IsEmpty());
+}
+
 TEST_F(StagedUpdate, restoresNothingWhenTheCopyFails) {
     files.failCreateFile(kTarget);
 

@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <csignal>
+#include <functional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace lumora {
@@ -41,6 +44,25 @@ class WatchedPreferences final : public platform::Preferences {
   private:
     fakes::FakePreferences& real_;
     std::function<std::string()> progress_;
+};
+
+/// Passes everything on, and tells of each write to standard error before it.
+class WatchedStreams final : public platform::StandardStreams {
+  public:
+    WatchedStreams(platform::StandardStreams& behind, std::function<void(std::string_view)> onWrite)
+        : behind_(behind), onWrite_(std::move(onWrite)) {}
+
+    void writeError(std::string_view text) override {
+        onWrite_(text);
+        behind_.writeError(text);
+    }
+    void writeOutput(std::string_view text) override { behind_.writeOutput(text); }
+    void reopenAll(const std::string& path) override { behind_.reopenAll(path); }
+    void withWritersHeld(const std::function<void()>& section) override { behind_.withWritersHeld(section); }
+
+  private:
+    platform::StandardStreams& behind_;
+    std::function<void(std::string_view)> onWrite_;
 };
 
 class Launch : public CoreTest {
@@ -86,6 +108,20 @@ TEST_F(Launch, knowsItsArgumentsBeforeAnyLaunchNotification) {
 
     EXPECT_EQ(SessionDetails::getInstance().webServerName(), "eu.ovratessel.example");
     EXPECT_EQ(SessionDetails::getInstance().pathForLumora(), "join");
+}
+
+TEST_F(Launch, namesTheFileManagerOnceTheArgumentsAreRead) {
+    auto& session = SessionDetails::getInstance();
+    WatchedStreams watched(streams, [&](std::string_view text) {
+        if (text.find("Arguments Read From Preferences") != std::string_view::npos)
+            session.setDefaultOvraDirectoryManager(nullptr);
+    });
+    platform::ports().standardStreams = &watched;
+
+    delegate.awakeFromNib();
+
+    EXPECT_TRUE(logged("Arguments Read From Preferences"));
+    EXPECT_EQ(session.defaultOvraDirectoryManager(), &files);
 }
 
 TEST_F(Launch, recordsPathAndThenVersion) {
@@ -212,6 +248,20 @@ TEST_F(Termination, isNotEnteredAgainFromItsOwnEnd) {
 
     delegate.terminateApp();
 
+    EXPECT_EQ(application.terminations, 1);
+}
+
+TEST_F(Termination, isNotEnteredAgainWhileItAppliesTheUpdate) {
+    bool posted = false;
+    WatchedStreams watched(streams, [&](std::string_view) { // the staged-update step always writes
+        if (!std::exchange(posted, true))
+            NotificationCenter::defaultCenter().post("OvraLumoraTerminate", nullptr);
+    });
+    platform::ports().standardStreams = &watched;
+
+    delegate.terminateApp();
+
+    EXPECT_EQ(updateSteps(), 1);
     EXPECT_EQ(application.terminations, 1);
 }
 
