@@ -44,6 +44,8 @@ class AppDelegate final : public platform::MenuTarget {
     /// True for every entry; the Uninstall entry is made visible and enabled.
     [[nodiscard]] bool validateMenuItem(platform::MenuItem& item) override;
 
+    /// Nothing happens while the Uninstall command runs: where the wait for its script leaves the menu usable, it is
+    /// not begun a second time over the first.
     void performAction(const std::string& action) override;
 
     /// The Uninstall command, from the question to the outcome's alert. Blocks while alerts and the script run.
@@ -57,6 +59,7 @@ class AppDelegate final : public platform::MenuTarget {
   private:
     std::shared_ptr<LogHandler> logHandler_;
     std::weak_ptr<platform::MenuItem> uninstallMenuItem_;
+    bool isUninstalling_ = false;
 };
 
 /// The first entry that satisfies the predicate, an entry before those of its submenu; empty when none does.

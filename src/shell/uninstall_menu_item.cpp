@@ -56,8 +56,11 @@ bool AppDelegate::validateMenuItem(platform::MenuItem& item) {
 }
 
 void AppDelegate::performAction(const std::string& action) {
-    if (action == kAction)
-        uninstallApp();
+    if (action != kAction || isUninstalling_)
+        return;
+    isUninstalling_ = true;
+    uninstallApp();
+    isUninstalling_ = false;
 }
 
 } // namespace lumora

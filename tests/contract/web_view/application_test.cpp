@@ -68,6 +68,18 @@ TEST_F(TheApplication, closingTheLastWindowIsToldOnceAfterItHasGone) {
     EXPECT_EQ(windowAtTheEnd, nullptr);
 }
 
+TEST_F(TheApplication, theWindowStaysWhileSomethingIsModal) {
+    runWithWindow([this] {
+        auto modal = std::make_unique<EventTracking::ModalSession>(loop.tracking());
+        gtk_window_close(gtkWindow());
+        EXPECT_NE(host.window(), nullptr);
+        modal.reset();
+        gtk_window_close(gtkWindow());
+        EXPECT_EQ(host.window(), nullptr);
+    });
+    EXPECT_EQ(lastWindowClosed, 1);
+}
+
 TEST_F(TheApplication, theViewOutlivesItsWindow) {
     application.run(name, [this] {
         view = host.makeWebView();

@@ -273,6 +273,41 @@ class Refusal(UninstallCase):
                 press("Return")
                 self.assert_goes_on()
 
+    def test_while_the_script_runs_the_window_stays_and_nothing_begins_again(self):
+        self.install(self.per_user)
+        self.start_from(self.per_user)
+        runs, end = self.home.path / "runs", self.home.path / "end"
+        self.run_script_instead(self.per_user, f'echo run >>"{runs}"; while [ ! -e "{end}" ]; do sleep 0.1; done; '
+                                               "echo over; exit 1")
+        self.confirmed()
+        waiting.until(runs.exists, "the script's begin")
+        self.wait_for_no_alert()
+        self.choose_uninstall()
+        window, = self.application.windows()
+        subprocess.run(["wmctrl", "-i", "-c", window], check=True)
+        end.touch()
+        self.wait_for_alert("Uninstall Failed", "over\n\nYou can run this manually for diagnostics:\n"
+                                                f"/bin/bash {self.temporary_script} --skip-kill")
+        press("Return")
+        self.assert_goes_on()
+        self.assertEqual(runs.read_text(encoding="utf-8"), "run\n")
+
+    def test_status_of_a_script_with_rights_is_not_taken_for_a_dismissed_prompt(self):
+        if polkit.user_namespace():
+            self.skipTest("the world's root is no root to polkit")
+        rights = polkit.Polkit()
+        self.addCleanup(rights.stop)
+        self.install(SYSTEM_WIDE)
+        self.start_from(SYSTEM_WIDE)
+        self.run_script_instead(SYSTEM_WIDE, "echo no; exit 126")
+        self.choose_uninstall()
+        self.wait_for_confirmation(SYSTEM_WIDE, FOR_ALL)
+        press("Return")
+        self.wait_for_alert("Uninstall Failed", "no\n\nYou can run this manually for diagnostics:\n"
+                                                f"/bin/bash {self.temporary_script} --skip-kill")
+        press("Return")
+        self.assert_goes_on()
+
     def test_real_script_over_a_bundle_that_cannot_be_removed(self):
         self.install(self.per_user)
         self.start_from(self.per_user)

@@ -269,9 +269,10 @@ TEST_F(UninstallCommand, tellsThatNothingIsInstalledInFixedWords) {
 TEST_F(UninstallCommand, leavesDecorationOutOfTheText) {
     installForUser();
 
-    EXPECT_EQ(detailsAfter(
-                  {1, "==========\n  Uninstalling \n====== step =====\n\n \t \nremoved: a\n===\nfailed\n"}),
-              withManualCommand("  Uninstalling \nremoved: a\n===\nfailed"));
+    constexpr const char* kOutput =
+        "==========\n  Uninstalling \n====== step =====\n\n \t \nremoved: a\n===\n"
+        "step ===== two\nfailed\n";
+    EXPECT_EQ(detailsAfter({1, kOutput}), withManualCommand("  Uninstalling \nremoved: a\n===\nfailed"));
     EXPECT_EQ(detailsAfter({1, "one\rtwo\r\nthree"}), withManualCommand("one\ntwo\nthree"));
 }
 
@@ -279,6 +280,24 @@ TEST_F(UninstallCommand, hasAnEmptyTextWhenAllWasDecoration) {
     installForUser();
 
     EXPECT_EQ(detailsAfter({1, "=====\n\n   \n=========\n"}), withManualCommand(""));
+}
+
+TEST_F(UninstallCommand, isNotBegunAgainByItsMenuEntryWhileItRuns) {
+    installForUser();
+    int tries = 0;
+    const auto chooseAgain = [&] {
+        if (++tries <= 3)
+            delegate.performAction("uninstallApp:");
+    };
+    alerts.onShow = [&](const platform::Alert&) { chooseAgain(); };
+    appleScripts.onExecute = chooseAgain;
+
+    delegate.performAction("uninstallApp:");
+
+    EXPECT_EQ(messages(), (Texts{"Uninstall Ovra Tessel Lumora", "Uninstall Complete"}));
+    EXPECT_EQ(tries, 3);
+    delegate.performAction("uninstallApp:"); // afterwards it can be
+    EXPECT_EQ(alerts.shown.size(), 4U);
 }
 
 TEST_F(UninstallCommand, usesTheSamePlaceForEachRunOfAProcess) {

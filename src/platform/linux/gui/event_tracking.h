@@ -32,7 +32,8 @@ class EventTracking {
     /// How to see whether a menu is open. Asked rather than told: a missed "closed" could never stop timers for good.
     void setMenuProbe(std::function<bool()> menuIsOpen) { menuIsOpen_ = std::move(menuIsOpen); }
 
-    [[nodiscard]] bool active() const { return !sessions_.empty() || (menuIsOpen_ && menuIsOpen_()); }
+    [[nodiscard]] bool active() const { return inModalSession() || (menuIsOpen_ && menuIsOpen_()); }
+    [[nodiscard]] bool inModalSession() const { return !sessions_.empty(); }
 
     /// Ends every modal session, and from now on each new one before it begins: the application is to end.
     void endModalSessions() {

@@ -18,6 +18,7 @@ constexpr int kSmallestHeight = 320;
 constexpr const char* kIconName = "com.ovra.tessel.OvraTesselLumora";
 
 constexpr gboolean kGoOnClosing = FALSE;
+constexpr gboolean kStay = TRUE;
 
 /// Without a compositor there is no transparency: what should be a menu's shadow and round corners is drawn black.
 constexpr const char* kOpaqueMenus = "popover > contents { border-radius: 0; box-shadow: none; }";
@@ -42,10 +43,11 @@ int fittingHeight(GdkDisplay* display) {
 
 } // namespace
 
-MainWindow::MainWindow(GtkApplication* application, WebKitWebView* view, std::function<void()> closed)
+MainWindow::MainWindow(GtkApplication* application, WebKitWebView* view, std::function<bool()> mayClose,
+                       std::function<void()> closed)
     : window_(ObjectRef<GtkWindow>::retain(GTK_WINDOW(gtk_application_window_new(application)))),
-      colourScheme_(gtk_widget_get_settings(GTK_WIDGET(window_.get()))), closed_(std::move(closed)),
-      signals_(window_.get()) {
+      colourScheme_(gtk_widget_get_settings(GTK_WIDGET(window_.get()))), mayClose_(std::move(mayClose)),
+      closed_(std::move(closed)), signals_(window_.get()) {
     gtk_window_set_title(window_.get(), kFirstWindowTitle);
     GdkDisplay* display = gtk_widget_get_display(GTK_WIDGET(window_.get()));
     gtk_window_set_default_size(window_.get(), kWidth, fittingHeight(display));
@@ -77,6 +79,8 @@ void setDefaultIcon(const std::string& resourceFolder) {
 
 gboolean MainWindow::closeRequested(GtkWindow*, gpointer data) {
     auto* self = static_cast<MainWindow*>(data);
+    if (!self->mayClose_())
+        return kStay;
     if (std::exchange(self->open_, false))
         self->closed_();
     return kGoOnClosing;

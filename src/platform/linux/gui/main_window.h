@@ -14,8 +14,10 @@ namespace lumora::platform::linux_backend {
 /// The application's one window around the web view. Once closed by its user it only remembers its title. Main thread.
 class MainWindow final : public Window {
   public:
+    /// @param mayClose asked when its user wants to close it; it stays otherwise.
     /// @param closed called in the moment of closing, while the window still stands.
-    MainWindow(GtkApplication* application, WebKitWebView* view, std::function<void()> closed);
+    MainWindow(GtkApplication* application, WebKitWebView* view, std::function<bool()> mayClose,
+               std::function<void()> closed);
     ~MainWindow() override;
     MainWindow(const MainWindow&) = delete;
     MainWindow& operator=(const MainWindow&) = delete;
@@ -32,6 +34,7 @@ class MainWindow final : public Window {
 
     ObjectRef<GtkWindow> window_;
     DesktopColourScheme colourScheme_;
+    std::function<bool()> mayClose_;
     std::function<void()> closed_;
     SignalConnections signals_;
     bool open_ = true;

@@ -20,8 +20,11 @@ GtkWindow* WebKitHost::gtkWindow() const {
 void WebKitHost::openWindow(GtkApplication* application, const std::string& resourceFolder,
                             std::function<void()> lastWindowClosed) {
     setDefaultIcon(resourceFolder);
+    // A modal session's end comes first: closing would put a staged update in place beside the script that is just
+    // removing the application.
+    const auto mayClose = [this] { return !loop_.tracking().inModalSession(); };
     // Asked afterwards: what follows the last window's closing may take long, and the window must be gone by then.
-    window_ = std::make_unique<MainWindow>(application, view_.get(),
+    window_ = std::make_unique<MainWindow>(application, view_.get(), mayClose,
                                            [this, lastWindowClosed] { loop_.asyncOnMain(lastWindowClosed); });
     loop_.tracking().setMenuProbe([this] { return window_->isOpen() && menuIsOpen(window_->widget()); });
     window_->present();

@@ -26,7 +26,7 @@ class WebKitHost final : public WebViewHost {
     [[nodiscard]] GtkWindow* gtkWindow() const;
 
     /// Builds and shows the window around the view. `lastWindowClosed` runs on the main thread after the window has
-    /// vanished from the screen. The resource folder holds the window's icon.
+    /// vanished from the screen. The window stays while something is modal. The resource folder holds its icon.
     void openWindow(GtkApplication* application, const std::string& resourceFolder,
                     std::function<void()> lastWindowClosed);
 
