@@ -2,7 +2,9 @@
 
 #include "platform/macos/addresses.h"
 #include "platform/macos/foundation/objc_exceptions.h"
+#include "support/url.h"
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 
@@ -54,6 +56,21 @@ NSURLRequest* requestFrom(const HttpRequest& request) {
     return made;
 }
 
+bool isName(const std::string& text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
+        return character > ' ' && character <= '~' && character != ':';
+    });
+}
+
+// Whether no text of the request's head reaches beyond its place.
+bool isSound(const HttpRequest& request) {
+    return isName(request.method) &&
+           std::all_of(request.headers.begin(), request.headers.end(), [](const auto& header) {
+               return isName(header.first) &&
+                      header.second.find_first_of(std::string("\r\n\0", 3)) == std::string::npos;
+           });
+}
+
 // Why the request is not even tried; absent when it is. A session by itself speaks more than the two schemes.
 std::optional<Error> refusalOf(const HttpRequest& request, bool isSessionInvalid) {
     const auto refusal = [&](NSInteger code, const char* text) {
@@ -64,8 +81,10 @@ std::optional<Error> refusalOf(const HttpRequest& request, bool isSessionInvalid
     NSURL* url = addressFrom(*request.url);
     if (![@[ @"http", @"https" ] containsObject:url.scheme.lowercaseString])
         return refusal(NSURLErrorUnsupportedURL, "unsupported URL");
-    if (url.host.length == 0)
+    if (!parseUrl(*request.url) || url.host.length == 0)
         return refusal(NSURLErrorBadURL, "bad URL");
+    if (!isSound(request))
+        return refusal(NSURLErrorUnknown, "The request failed for an unknown reason.");
     if (isSessionInvalid)
         return refusal(NSURLErrorCancelled, "cancelled");
     return std::nullopt;
