@@ -2,6 +2,10 @@
 
 #include "platform/macos/foundation/objc_exceptions.h"
 #include "platform/posix/posix_error.h"
+#include "platform/posix/unique_fd.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -26,15 +30,12 @@ NSString* besides(NSString* path) {
     return [path.stringByDeletingLastPathComponent stringByAppendingPathComponent:name];
 }
 
-NSDictionary* dictionaryOf(const FileAttributes& attributes) {
-    NSMutableDictionary* dictionary = [NSMutableDictionary dictionary];
-    if (attributes.posixPermissions)
-        [dictionary setObject:@(*attributes.posixPermissions) forKey:NSFilePosixPermissions];
-    if (@available(macOS 11.0, *)) {
-        if (attributes.completeProtection)
-            [dictionary setObject:NSFileProtectionComplete forKey:NSFileProtectionKey];
-    }
-    return dictionary;
+// Refused by volumes without data protection: there is none then.
+void protectCompletely(NSString* file) {
+    if (@available(macOS 11.0, *))
+        [manager() setAttributes:@{NSFileProtectionKey : NSFileProtectionComplete}
+                    ofItemAtPath:file
+                           error:nullptr];
 }
 
 // Runs one operation that tells its success and leaves an error behind when it fails.
@@ -110,19 +111,27 @@ Result<void> FoundationFileManager::createFile(const std::string& path, std::str
                                                const FileAttributes& attributes) {
     return atPort([&]() -> Result<void> {
         NSString* file = besides(entryAt(path));
-        NSError* error = nil;
-        if (![manager() createFileAtPath:file contents:nil attributes:dictionaryOf(attributes)])
+        const auto mode =
+            static_cast<mode_t>(attributes.posixPermissions.value_or(0666)); // 0666 less the umask
+        // Not the platform's own call: for a moment that file is open to whoever would keep it open.
+        const posix_backend::UniqueFd descriptor(
+            ::open(file.fileSystemRepresentation, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+        if (!descriptor || (attributes.posixPermissions && ::fchmod(descriptor.get(), mode) != 0))
             return posix_backend::posixError(errno, path);
-        if (![bytesOf(contents) writeToFile:file options:0 error:&error]) {
+        if (attributes.completeProtection)
+            protectCompletely(file);
+
+        Result<void> result;
+        NSError* error = nil;
+        NSFileHandle* handle = [[NSFileHandle alloc] initWithFileDescriptor:descriptor.get()
+                                                             closeOnDealloc:NO];
+        if (![handle writeData:bytesOf(contents) error:&error])
+            result = errorOf(error);
+        else if (std::rename(file.fileSystemRepresentation, entryAt(path).fileSystemRepresentation) != 0)
+            result = posix_backend::posixError(errno, path);
+        if (!result)
             [manager() removeItemAtPath:file error:nullptr];
-            return errorOf(error);
-        }
-        if (std::rename(file.fileSystemRepresentation, nsString(path).fileSystemRepresentation) != 0) {
-            const int code = errno;
-            [manager() removeItemAtPath:file error:nullptr];
-            return posix_backend::posixError(code, path);
-        }
-        return {};
+        return result;
     });
 }
 

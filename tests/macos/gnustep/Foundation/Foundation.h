@@ -1,0 +1,26 @@
+// This system's Foundation with what it lacks of what the sources that run here use.
+#pragma once
+
+#include_next <Foundation/Foundation.h>
+
+// Marks of translatable texts, of which the C++ library has variables of the same name.
+#undef _
+#undef __
+
+enum { NSPropertyListReadCorruptError = 3840, NSPropertyListWriteInvalidError = 3852 };
+
+extern NSString* const NSFileProtectionKey;
+extern NSString* const NSFileProtectionComplete;
+
+@interface NSFileManager (Lumora)
+- (BOOL)setAttributes:(NSDictionary*)attributes ofItemAtPath:(NSString*)path error:(NSError**)error;
+@end
+
+@interface NSData (Lumora)
++ (id)dataWithContentsOfFile:(NSString*)path options:(NSUInteger)options error:(NSError**)error;
+@end
+
+@interface NSFileHandle (Lumora)
+- (BOOL)writeData:(NSData*)data error:(NSError**)error;
+- (BOOL)truncateAtOffset:(unsigned long long)offset error:(NSError**)error;
+@end
