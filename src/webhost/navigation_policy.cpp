@@ -49,8 +49,10 @@ platform::NavigationPolicy ViewController::decidePolicyFor(const platform::Navig
         isWebServerConfigured() ? SessionDetails::getInstance().webServerName() : std::nullopt;
     switch (judgeNavigation(action, server)) {
     case NavigationVerdict::allow:
-        if (action.type != NavigationType::reload && action.type != NavigationType::other)
+        if (action.type != NavigationType::reload && action.type != NavigationType::other) {
             reloadAttempted_ = false; // the customer's own navigation is a load of its own
+            showsOfflinePage_ = false;
+        }
         return platform::NavigationPolicy::allow;
     case NavigationVerdict::openDeepLink:
         handleDeepLink(*action.url);
@@ -66,6 +68,7 @@ void ViewController::createWebViewFor(const platform::NavigationAction& action) 
         return;
     platform::PageRequest request;
     request.url = *action.url;
+    showsOfflinePage_ = false;
     webView().load(request);
 }
 

@@ -63,6 +63,9 @@ void ViewController::updateWindowTitle(const std::string& title) {
 
 void ViewController::didReceiveScriptMessage(const platform::ScriptMessage& message) {
     NativeMessageHandler::shared().handleMessageFromWebView(message);
+    // Posted by a page that has been replaced meanwhile: without the monitor nothing would take the offline page away.
+    if (showsOfflinePage_ && message.name == "lumoraLoaded")
+        NetworkMonitor::shared().startMonitoringReachability(joinUrl());
 }
 
 } // namespace lumora

@@ -73,6 +73,7 @@ class ViewController final : public platform::WebViewDelegate,
 
     std::unique_ptr<platform::WebView> webView_;
     bool reloadAttempted_ = false; ///< the failed load has had its one reload
+    bool showsOfflinePage_ = false;
     std::function<Clock::time_point()> now_;
     RevivalLimit reloadsAfterLoss_;            ///< of pages whose process died, as failed loads
     RevivalLimit revivals_;                    ///< of the local pages

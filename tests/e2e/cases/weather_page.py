@@ -5,7 +5,7 @@ import signal
 
 from harness import waiting
 from harness.case import set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
-from harness.weather import DID_FAIL, JOIN_URL, NET_TEST, RESTORED, WeatherCase, web_processes
+from harness.weather import DID_FAIL, JOIN_URL, NET_TEST, PAGE, RESTORED, WeatherCase, web_processes
 
 FAILED = NET_TEST + JOIN_URL
 DIED = [DID_FAIL + "The Web Content process was terminated.", FAILED]
@@ -62,6 +62,24 @@ class Crashes(WeatherCase):
         self.living()
         self.shows("misconfiguration")
         self.assertEqual(self.join_requests(), [])
+
+
+class Replaced(WeatherCase):
+    """A page that says all the time that it has loaded, also when the offline page is already on its way."""
+
+    join_page = PAGE + """<script>
+        setInterval(() => window.webkit.messageHandlers.lumoraLoaded.postMessage(""), 5)</script>"""
+
+    def test_late_words_of_a_replaced_page_do_not_end_the_watch(self):
+        self.start()
+        self.shows("join")
+        self.page.eval("setTimeout(() => location.href = '/join?again', 2000)")
+        mark = self.log.mark()
+        self.server_down()
+        self.log.wait_for(FAILED, mark)
+        self.shows("offline")
+        self.good_again()
+        self.comes_back("server stops before a load, page keeps saying that it has loaded", mark, [FAILED])
 
 
 class Flood(WeatherCase):

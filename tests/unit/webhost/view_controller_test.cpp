@@ -239,5 +239,36 @@ TEST_F(ViewControllerTest, showsTheOfflinePageAfterAFailedProbe) {
     EXPECT_EQ(webViewHost.journal, Lines{kOffline});
 }
 
+TEST_F(ViewControllerTest, keepWatchingWhenAPageThatTheOfflinePageReplacedSaysThatItHasLoaded) {
+    showView();
+    controller->didFailedToConnect();
+
+    controller->didReceiveScriptMessage({"lumoraLoaded", ""});
+
+    EXPECT_EQ(probedAddresses(), Lines{"https://server.example/join"});
+}
+
+TEST_F(ViewControllerTest, watchNoLongerWhenTheJoinPageSaysThatItHasLoaded) {
+    showView();
+    controller->didFailedToConnect();
+    controller->loadJoinPageURl();
+
+    controller->didReceiveScriptMessage({"lumoraLoaded", ""});
+
+    EXPECT_TRUE(probedAddresses().empty());
+}
+
+TEST_F(ViewControllerTest, watchNoLongerWhenThePageThatTheCustomerWentBackToSaysThatItHasLoaded) {
+    showView();
+    controller->didFailedToConnect();
+    EXPECT_EQ(controller->decidePolicyFor(
+                  {platform::NavigationType::backForward, "https://server.example/join", true, true}),
+              platform::NavigationPolicy::allow);
+
+    controller->didReceiveScriptMessage({"lumoraLoaded", ""});
+
+    EXPECT_TRUE(probedAddresses().empty());
+}
+
 } // namespace
 } // namespace lumora
