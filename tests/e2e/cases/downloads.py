@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import shutil
 
 from harness import agent, images
 from harness.case import (IMAGE_PATH, EndToEndCase,
@@ -165,6 +166,24 @@ class Downloads(EndToEndCase):
         image = images.iso({"Ovra.app/Contents/Info.plist": b"x", "bigfile": b"x" * 100})
         self.serve_image(images.with_extent(image, "BIGFILE", 0x00FFFFFF))
         self.join()
+        self.assert_failed_mount()
+
+    def test_volume_that_another_user_has_put_there(self):
+        """Everybody writes the folder of the volumes: an agent that stands there may be anyone's."""
+        volume = pathlib.Path("/Volumes/Ovra")
+        planted = volume / "Ovra.app/Contents/Info.plist"
+        planted.parent.mkdir(parents=True)
+        self.addCleanup(shutil.rmtree, volume, ignore_errors=True)
+        planted.write_text("planted", encoding="utf-8")
+        try:
+            os.chown(volume, 4711, 4711)
+        except OSError:
+            self.skipTest("there is no other user in this world")
+        self.serve_image(images.iso({"Ovra.app/Contents/Info.plist": b"x"}))
+        self.join()
+        self.wait_for_install(self.mark)
+        self.assertTrue(planted.exists())
+        shutil.rmtree(volume)
         self.assert_failed_mount()
 
     def test_volume_name_that_leads_out(self):
