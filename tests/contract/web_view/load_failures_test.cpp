@@ -72,9 +72,9 @@ TEST_F(FailedLoads, aHandshakeThatHangsTimesOut) {
 TEST_F(FailedLoads, aPageThatCameInTimeDoesNotTimeOutLater) {
     server.page("/page", "<title>page</title><img src='/slow.png'>");
     server.hang("/slow.png");
-    load(server.url("/page"), 1s);
+    load(server.url("/page"), 5s);
     ASSERT_TRUE(waitForTitle("page"));
-    runFor(1500ms);
+    runFor(5300ms);
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 
@@ -119,10 +119,10 @@ TEST_F(FailedLoads, aPageThatIsCutOffFailsAfterItsFirstBytesStood) {
 TEST_F(FailedLoads, aLoadThatTheHostReplacesIsNoFailure) {
     server.hang("/hang");
     server.page("/page", "<title>page</title>");
-    load(server.url("/hang"), 1s);
+    load(server.url("/hang"), 5s);
     ASSERT_TRUE(runUntil([this] { return server.requests("/hang") == 1; }));
     show(server.url("/page"));
-    runFor(1200ms); // the replaced load's time would run out now
+    runFor(5300ms); // the replaced load's time would run out now
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 

@@ -82,10 +82,10 @@ TEST_F(LocalPages, aLoadUnderWayIsStoppedForTheLocalPageThatStands) {
     server.hang("/hang");
     showLocal();
     run("window.kept = 'kept'");
-    load(server.url("/hang"), 1s);
+    load(server.url("/hang"), 5s);
     ASSERT_TRUE(runUntil([this] { return server.requests("/hang") == 1; }));
     view.loadFile(page(), folder_.string());
-    runFor(1300ms);
+    runFor(5300ms);
     EXPECT_EQ(valueOf("window.kept"), "kept");
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
