@@ -31,6 +31,22 @@ TEST_F(FileManagerContract, homeIsTheEnvironmentsOrTheUserDatabases) {
               }));
 }
 
+TEST_F(FileManagerContract, aLoneFilesCopyInAFolderThatEverybodyWritesIsItsOwnersToChange) {
+    const std::string script = home_ + "/script.sh";
+    const std::string shared = folder_ / "shared";
+    fs::create_directory(shared);
+    fs::permissions(shared, fs::perms(0755));
+    writeFile(script, "echo");
+    fs::permissions(script, fs::perms(0777));
+
+    ASSERT_TRUE(files_.copyItem(script, shared + "/private folder"));
+    fs::permissions(shared, fs::perms(01777));
+    ASSERT_TRUE(files_.copyItem(script, shared + "/shared folder"));
+
+    EXPECT_EQ(0777U, statusOf(shared + "/private folder").st_mode & 07777U);
+    EXPECT_EQ(0755U, statusOf(shared + "/shared folder").st_mode & 07777U);
+}
+
 TEST_F(FileManagerContract, insideTheHomeFolderAnEntryIsFoundWhateverItsCase) {
     fs::create_directories(home_ + "/Library/\xC3\x89t\xC3\xA9");
     writeFile(home_ + "/Library/\xC3\x89t\xC3\xA9/Ovra.app", "agent");

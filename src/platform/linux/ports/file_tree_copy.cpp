@@ -60,13 +60,24 @@ Result<void> copyLink(const Entry& source, const Entry& destination, const struc
     return copyLinkTimes(status, destination);
 }
 
+/// In a folder that everybody writes, as /tmp, the modes that a lone file's copy does not get: others who could write
+/// into it would change what its owner reads, or runs, later.
+mode_t withheldModes(const std::string& destination) {
+    const std::size_t slash = destination.rfind('/');
+    struct stat status {};
+    const auto folder = slash == std::string::npos ? std::string(".") : destination.substr(0, slash + 1);
+    const bool isShared = ::stat(folder.c_str(), &status) == 0 && (status.st_mode & S_IWOTH) != 0;
+    return isShared ? S_IWGRP | S_IWOTH : 0;
+}
+
 /// Copies into a new file, open as `to`.
-Result<void> fillFile(const Entry& source, int to, const std::string& destinationPath) {
+Result<void> fillFile(const Entry& source, int to, const std::string& destinationPath, mode_t withheld = 0) {
     const UniqueFd from(
         ::openat(source.folder, source.name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!from || ::fstat(from.get(), &status) != 0)
         return posixError(errno, source.path);
+    status.st_mode &= ~withheld;
     if (const int error = copyContents(from.get(), to); error != 0)
         return posixError(error, destinationPath);
     const int error = copyAttributes(from.get(), to, status);
@@ -154,7 +165,7 @@ Result<void> copyTree(const std::string& sourcePath, TemporarySibling& aside) {
     if (to < 0)
         return posixError(errno, aside.path());
     return S_ISDIR(status.st_mode) ? fillFolder(source, to, {AT_FDCWD, aside.path(), aside.path()})
-                                   : fillFile(source, to, aside.path());
+                                   : fillFile(source, to, aside.path(), withheldModes(aside.path()));
 }
 
 } // namespace lumora::platform::linux_backend

@@ -15,7 +15,8 @@ class LinuxFileManager final : public FileManager {
     bool fileExists(const std::string& path) override;
     Result<void> createDirectoryWithIntermediates(const std::string& path) override;
 
-    /// Takes nothing out of a volume that another user has put into the folder of the volumes.
+    /// Takes nothing out of a volume that another user has put into the folder of the volumes. A lone file's copy in a
+    /// folder that everybody writes, as /tmp, is its owner's alone to change.
     Result<void> copyItem(const std::string& source, const std::string& destination) override;
     Result<void> removeItem(const std::string& path) override;
 
