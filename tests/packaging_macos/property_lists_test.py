@@ -46,8 +46,9 @@ class InfoPropertyList(unittest.TestCase):
     def test_explains_why_it_sends_apple_events(self):
         self.assertGreater(len(self.info["NSAppleEventsUsageDescription"]), 20)
 
-    def test_leaves_transport_security_as_it_is(self):
-        self.assertNotIn("NSAppTransportSecurity", self.info)
+    def test_loosens_transport_security_for_links_of_the_page_only(self):
+        """A link may lead to any site; the application's own requests stay as protected as the system has them."""
+        self.assertEqual({"NSAllowsArbitraryLoadsInWebContent": True}, self.info["NSAppTransportSecurity"])
 
 
 class Entitlements(unittest.TestCase):
