@@ -38,12 +38,12 @@ failure() {
 }
 
 # Prints the first thing that rm complains of, which may be one of thousands. What is mounted in a folder of ours is
-# not ours.
+# not ours. All the complaints are read: rm would stop at one that it cannot write.
 remove_tree() {
     if [[ $SYSTEM == Darwin ]]; then
-        rm -rfx -- "$1" 2>&1 | head -n 1
+        rm -rfx -- "$1" 2>&1 | sed -n 1p
     else
-        rm -rf --one-file-system --preserve-root=all -- "$1" 2>&1 | head -n 1
+        rm -rf --one-file-system --preserve-root=all -- "$1" 2>&1 | sed -n 1p
     fi
 }
 
