@@ -38,6 +38,17 @@ void protectCompletely(NSString* file) {
                            error:nullptr];
 }
 
+// Only a folder that may be written in can be emptied: the user's own ones may, whatever their modes say.
+void openUp(NSString* path) {
+    struct stat status {};
+    if (::lstat(path.fileSystemRepresentation, &status) != 0 || !S_ISDIR(status.st_mode))
+        return;
+    ::fchmodat(AT_FDCWD, path.fileSystemRepresentation,
+               static_cast<mode_t>((status.st_mode & 07777) | S_IRWXU), AT_SYMLINK_NOFOLLOW);
+    for (NSString* name in [manager() contentsOfDirectoryAtPath:path error:nullptr])
+        openUp([path stringByAppendingPathComponent:name]);
+}
+
 // Runs one operation that tells its success and leaves an error behind when it fails.
 template <class Operation> Result<void> attempt(const Operation& operation) {
     return atPort([&]() -> Result<void> {
@@ -100,6 +111,9 @@ Result<void> FoundationFileManager::removeItem(const std::string& path) {
                                 toPath:removed
                                  error:error]) // not emptied where it must stay
             return false;
+        if ([manager() removeItemAtPath:removed error:nullptr])
+            return true;
+        openUp(removed);
         if ([manager() removeItemAtPath:removed error:error])
             return true;
         [manager() moveItemAtPath:removed toPath:entryAt(path) error:nullptr];
