@@ -151,6 +151,10 @@ Result<void> FoundationFileManager::createFile(const std::string& path, std::str
 
 Result<std::string> FoundationFileManager::readFile(const std::string& path) {
     return atPort([&]() -> Result<std::string> {
+        struct stat status {};
+        // Of anything but a file there is nothing to read, and a pipe would be waited for.
+        if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
+            return posix_backend::posixError(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
         NSError* error = nil;
         NSData* data = [NSData dataWithContentsOfFile:nsString(path) options:0 error:&error];
         if (data == nil)
