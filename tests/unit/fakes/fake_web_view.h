@@ -38,7 +38,7 @@ class FakeWebViewHost final : public platform::WebViewHost {
         void removeScriptMessageHandler(const std::string& name) override {
             owner_.journal.push_back("remove " + name);
         }
-        void setDelegate(platform::WebViewDelegate* delegate) override { owner_.delegate = delegate; }
+        void setDelegate(platform::WebViewDelegate* receiver) override { owner_.delegate = receiver; }
         void load(const platform::PageRequest& request) override {
             owner_.journal.push_back("load " + request.url);
             owner_.requests.push_back(request);
