@@ -1,5 +1,7 @@
 #include "webhost/web_host_test.h"
 
+#include <csignal>
+
 namespace lumora {
 namespace {
 
