@@ -42,7 +42,8 @@ TEST(ShellScriptStatementContract, isNothingElse) {
           R"(do shell script "a" "b")", R"(do shell script "a" with privileges)",
           R"(do shell script "a" with administrator privileges and more)",
           R"(do shell script quoted form "a")", R"(do shell script "a\q")", "do shell script \"a\\",
-          "do shell script \"a\"\nbeep", R"(tell application "System Preferences" to activate)"})
+          "do shell script \"a\"\nbeep", R"(doshell script "a")", R"(do shell scripts "a")",
+          R"(do shell script quotedform of "a")", R"(tell application "System Preferences" to activate)"})
         EXPECT_EQ(parseShellScriptStatement(source), std::nullopt) << source;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/linux/ports/shell_script_statement.h"
 
+#include <algorithm>
+
 namespace lumora::platform::linux_backend {
 
 namespace {
@@ -16,11 +18,15 @@ std::string quotedForm(std::string_view text) {
     return quoted + "'";
 }
 
+bool isLetter(char character) {
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+}
+
 class Reader {
   public:
     explicit Reader(std::string_view source) : rest_(source) {}
 
-    /// The words, with any blanks between them, when they come next.
+    /// The words, or the mark, when they come next; blanks stand between words, and may stand before them.
     bool accept(std::string_view words) {
         auto after = rest_;
         while (!words.empty()) {
@@ -30,6 +36,8 @@ class Reader {
             if (!after.starts_with(word))
                 return false;
             after.remove_prefix(word.size());
+            if (isLetter(word.back()) && !after.empty() && isLetter(after.front()))
+                return false; // a longer word
         }
         rest_ = after;
         return true;
