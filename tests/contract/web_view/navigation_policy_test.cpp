@@ -52,6 +52,17 @@ class NavigationPolicies : public ViewTest {
     }
 };
 
+TEST_F(NavigationPolicies, judgeTheHostsOwnLoadAsItIsWritten) {
+    delegate.policy = [](const NavigationAction& action) {
+        return action.url.value_or("").find("LocalHost") != std::string::npos ? NavigationPolicy::allow
+                                                                              : NavigationPolicy::cancel;
+    };
+    load(server.url("/own", "LocalHost"));
+    ASSERT_TRUE(waitForTitle("own"));
+    ASSERT_EQ(delegate.asked.size(), 1U);
+    EXPECT_EQ(delegate.asked.front().url, server.url("/own", "LocalHost"));
+}
+
 TEST_F(NavigationPolicies, theHostsOwnLoadIsJudgedOnceAsTheMainFrames) {
     show(server.url("/own"));
     ASSERT_EQ(delegate.asked.size(), 1U);

@@ -78,10 +78,11 @@ WebKitView::WebKitView(MainLoop& loop, const std::string& deepLinkScheme)
 WebKitView::~WebKitView() = default;
 
 void WebKitView::load(const PageRequest& request) {
+    // Judged as the host wrote it: the engine lower-cases a host name, which the policy would not know again.
+    if (gate_.judgeOwnLoad(request.url) == NavigationPolicy::cancel)
+        return;
     const auto engineRequest = requestFor(request.url);
     const std::string uri = addressOf(engineRequest.get());
-    if (gate_.judgeOwnLoad(uri) == NavigationPolicy::cancel)
-        return;
     startLoad(engineRequest.get());
     timeout_ = loop_.scheduleTimer(request.timeout, TimerMode::commonModes, [this, uri] { timedOut(uri); });
 }
