@@ -23,13 +23,16 @@ class ParsedUri {
 
     [[nodiscard]] bool valid() const { return valid_; }
 
-    [[nodiscard]] std::optional<std::string> scheme() const {
-        if (!valid_ || uri_.scheme.first == nullptr)
-            return std::nullopt;
-        return std::string(uri_.scheme.first, uri_.scheme.afterLast);
-    }
+    [[nodiscard]] std::optional<std::string> scheme() const { return textOf(uri_.scheme); }
+    [[nodiscard]] std::optional<std::string> host() const { return textOf(uri_.hostText); }
 
   private:
+    [[nodiscard]] std::optional<std::string> textOf(const UriTextRangeA& part) const {
+        if (!valid_ || part.first == nullptr)
+            return std::nullopt;
+        return std::string(part.first, part.afterLast);
+    }
+
     UriUriA uri_{};
     bool valid_ = false;
 };
@@ -44,6 +47,8 @@ std::optional<std::string> parseUrl(std::string_view text) {
 }
 
 std::optional<std::string> urlScheme(std::string_view url) { return ParsedUri(url).scheme(); }
+
+std::optional<std::string> urlHost(std::string_view url) { return ParsedUri(url).host(); }
 
 std::string percentEncodeForQuery(std::string_view text) {
     constexpr std::string_view kAllowed = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"

@@ -13,6 +13,9 @@ namespace lumora {
 /// The scheme exactly as written, when the address has one.
 [[nodiscard]] std::optional<std::string> urlScheme(std::string_view url);
 
+/// The host as written, when the address parses and names one: empty where its place is ("https://:80/", "file:///a").
+[[nodiscard]] std::optional<std::string> urlHost(std::string_view url);
+
 /// Percent-encodes every byte outside the set that a URL's query may carry as it is
 /// (RFC 3986 `query`: unreserved, sub-delims, ":", "@", "/" and "?"); a percent sign is encoded too.
 [[nodiscard]] std::string percentEncodeForQuery(std::string_view text);

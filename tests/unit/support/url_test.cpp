@@ -61,6 +61,19 @@ TEST(UrlScheme, isAbsentForReferencesAndForWhatDoesNotParse) {
         EXPECT_EQ(urlScheme(text), std::nullopt) << text;
 }
 
+TEST(UrlHost, isGivenAsWritten) {
+    EXPECT_EQ(urlHost("https://User@Host.Example:80/"), "Host.Example");
+    EXPECT_EQ(urlHost("https://[2001:db8::1]/"), "2001:db8::1");
+    EXPECT_EQ(urlHost("//h/path"), "h");
+}
+
+TEST(UrlHost, isEmptyOrAbsentWhereNoneIsNamed) {
+    EXPECT_EQ(urlHost("https://:80/").value_or(""), "");
+    EXPECT_EQ(urlHost("https:///path").value_or(""), "");
+    for (const char* text : {"h/path", "mailto:a@h", "https://h h/"})
+        EXPECT_EQ(urlHost(text), std::nullopt) << text;
+}
+
 TEST(PercentEncoding, keepsWhatAQueryMayCarry) {
     constexpr std::string_view kKept =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~!$&'()*+,;=:@/?";

@@ -1,10 +1,7 @@
 #include "platform/linux/ports/completion_queue.h"
 
-#include <glib.h>
-
 #include <condition_variable>
 #include <deque>
-#include <exception>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -30,18 +27,6 @@ struct CompletionQueue::State {
     }
 };
 
-namespace {
-
-void runGuarded(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const std::exception& raised) {
-        g_warning("a completion raised: %s", raised.what());
-    }
-}
-
-} // namespace
-
 CompletionQueue::CompletionQueue() : state_(std::make_shared<State>()) {}
 
 CompletionQueue::~CompletionQueue() {
@@ -56,7 +41,7 @@ void CompletionQueue::start() {
         return;
     std::thread([state = state_] {
         while (const std::function<void()> work = state->next())
-            runGuarded(work);
+            work();
     }).detach();
     state_->started = true;
 }

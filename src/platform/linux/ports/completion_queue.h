@@ -17,7 +17,7 @@ class CompletionQueue {
     /// Starts the thread, once. Raises when the system has none to give.
     void start();
 
-    /// Any thread, after `start`. An exception from the work is reported on standard error and goes no further.
+    /// Any thread, after `start`. The work raises nothing.
     void add(std::function<void()> work);
 
   private:

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 #include <new>
 #include <utility>
 
@@ -17,23 +16,6 @@ constexpr long kBufferSize = 256L << 10;
 constexpr std::chrono::seconds kDefaultTimeout{60};
 constexpr long kFirstRedirectStatus = 300;
 constexpr long kLastRedirectStatus = 399;
-
-std::string lowerCased(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
-    return lower;
-}
-
-bool holdsLineEnd(const std::string& text) {
-    return text.find_first_of(std::string("\r\n\0", 3)) != std::string::npos;
-}
-
-bool isHeaderName(const std::string& name) {
-    return !name.empty() && std::all_of(name.begin(), name.end(), [](unsigned char character) {
-        return character > ' ' && character < 0x7F && character != ':';
-    });
-}
 
 template <class Value>
 void set(CURL* handle, CURLoption option, Value value) {
@@ -58,10 +40,6 @@ HttpTransfer::HttpTransfer(HttpRequest request, const HttpSessionConfiguration& 
                            BodyPlace place, const HttpTransferSettings& settings)
     : request_(std::move(request)), configuration_(configuration),
       maximumBodySize_(settings.maximumBodySize) {
-    if (const auto refused = findRefusal()) {
-        refusal_ = urlError(*refused, request_.url);
-        return;
-    }
     if (place == BodyPlace::file) {
         file_.emplace();
         if (!file_->isOpen()) {
@@ -76,25 +54,6 @@ HttpTransfer::HttpTransfer(HttpRequest request, const HttpSessionConfiguration& 
     }
     addHeaders();
     configure(settings);
-}
-
-// libcurl would guess a scheme where none is given and speaks many others.
-std::optional<UrlError> HttpTransfer::findRefusal() const {
-    if (!request_.url || request_.url->find('\0') != std::string::npos)
-        return UrlError::badUrl;
-    const std::string& url = *request_.url;
-    const std::size_t colon = url.find_first_of(":/?#");
-    if (colon == std::string::npos || url[colon] != ':')
-        return UrlError::unsupportedUrl;
-    if (const std::string scheme = lowerCased(url.substr(0, colon)); scheme != "http" && scheme != "https")
-        return UrlError::unsupportedUrl;
-    const std::string_view rest = std::string_view(url).substr(colon + 1);
-    if (!rest.starts_with("//") || rest.size() == 2 || rest[2] == '/')
-        return UrlError::badUrl;
-    const bool sound = std::all_of(request_.headers.begin(), request_.headers.end(), [](const auto& header) {
-        return isHeaderName(header.first) && !holdsLineEnd(header.second);
-    });
-    return sound && isHeaderName(request_.method) ? std::nullopt : std::optional(UrlError::unknown);
 }
 
 void HttpTransfer::addHeaders() {

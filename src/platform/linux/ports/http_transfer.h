@@ -2,7 +2,7 @@
 
 #include "platform/http_session.h"
 #include "platform/linux/ports/temporary_file.h"
-#include "platform/linux/ports/url_errors.h"
+#include "platform/linux/ports/transfer_fault.h"
 
 #include <curl/curl.h>
 
@@ -35,7 +35,7 @@ struct HttpTransferSettings {
     std::size_t maximumBodySize = 64U << 20U;          ///< of a body that is kept in memory
 };
 
-/// One request on its way: a handle of libcurl, the place of the body, and the clocks of both time-outs.
+/// One request on its way, which has been found sound: a handle of libcurl, the place of the body, and the clocks of both time-outs.
 /// Used by one thread at a time.
 class HttpTransfer {
   public:
@@ -74,7 +74,6 @@ class HttpTransfer {
     static std::size_t receiveBody(char* bytes, std::size_t size, std::size_t count, void* self);
     static std::size_t receiveHeader(char* bytes, std::size_t size, std::size_t count, void* self);
 
-    [[nodiscard]] std::optional<UrlError> findRefusal() const;
     void configure(const HttpTransferSettings& settings);
     void addHeaders();
     [[nodiscard]] bool keep(std::string_view bytes);

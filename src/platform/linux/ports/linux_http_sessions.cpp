@@ -1,64 +1,59 @@
 #include "platform/linux/ports/linux_http_sessions.h"
 
 #include "platform/linux/ports/completion_queue.h"
+#include "support/checked_http_session.h"
+#include "support/http_requests.h"
 
 #include <gio/gio.h>
 
-#include <atomic>
-#include <future>
 #include <utility>
 
 namespace lumora::platform::linux_backend {
 
 namespace {
 
-HttpAnswer answerFrom(HttpOutcome&& outcome) {
-    return {std::move(outcome.body), std::move(outcome.response), std::move(outcome.error)};
-}
-
-class LinuxHttpSession final : public HttpSession {
+class LinuxHttpSession final : public CheckedHttpSession {
   public:
     LinuxHttpSession(std::shared_ptr<HttpTransport> transport, const HttpSessionConfiguration& configuration)
         : transport_(std::move(transport)), configuration_(configuration) {}
 
-    void startDataTask(HttpRequest request, HttpDataCompletion completion) override {
-        start(std::move(request), BodyPlace::memory,
-              [completion = std::move(completion)](HttpOutcome&& outcome) {
-                  completion(answerFrom(std::move(outcome)));
-              });
-    }
-
-    void startDownloadTask(HttpRequest request, HttpDownloadCompletion completion) override {
-        start(std::move(request), BodyPlace::file,
-              [completion = std::move(completion)](HttpOutcome&& outcome) {
-                  HttpDownload download{{}, std::move(outcome.response), std::move(outcome.error)};
-                  if (outcome.file)
-                      download.temporaryFile = outcome.file->path();
-                  completion(std::move(download));
-              });
-    }
-
-    void finishTasksAndInvalidate() override { isInvalid_ = true; }
-
   private:
-    void start(HttpRequest request, BodyPlace place, std::function<void(HttpOutcome&&)> completion) {
+    void sendForData(const HttpRequest& request, HttpDataCompletion completion) override {
+        send(request, BodyPlace::memory, [completion = std::move(completion)](HttpOutcome&& outcome) {
+            completion({std::move(outcome.body), std::move(outcome.response), std::move(outcome.error)});
+        });
+    }
+
+    void sendForDownload(const HttpRequest& request, HttpDownloadCompletion completion) override {
+        send(request, BodyPlace::file, [completion = std::move(completion)](HttpOutcome&& outcome) {
+            HttpDownload download{{}, std::move(outcome.response), std::move(outcome.error)};
+            if (outcome.file)
+                download.temporaryFile = outcome.file->path();
+            completion(std::move(download));
+        });
+    }
+
+    void endWhenIdle() override {} // nothing of a session outlives its tasks
+
+    void onOwnThread(std::function<void()> work) override {
+        completions_->start();
+        completions_->add(std::move(work));
+    }
+
+    void send(const HttpRequest& request, BodyPlace place, std::function<void(HttpOutcome&&)> completion) {
         completions_->start();
         // Whatever is left of the session lives in this, so that a task outlives its session.
-        const auto finish = [completions = completions_,
-                             completion = std::move(completion)](HttpOutcome outcome) {
-            auto shared = std::make_shared<HttpOutcome>(std::move(outcome));
-            completions->add([completion, shared] { completion(std::move(*shared)); });
-        };
-        if (isInvalid_)
-            finish(HttpOutcome{{}, {}, {}, urlError(UrlError::cancelled, request.url)});
-        else
-            transport_->start(std::move(request), configuration_, place, finish);
+        transport_->start(
+            request, configuration_, place,
+            [completions = completions_, completion = std::move(completion)](HttpOutcome outcome) {
+                auto shared = std::make_shared<HttpOutcome>(std::move(outcome));
+                completions->add([completion, shared] { completion(std::move(*shared)); });
+            });
     }
 
     const std::shared_ptr<HttpTransport> transport_;
     const HttpSessionConfiguration configuration_;
     const std::shared_ptr<CompletionQueue> completions_ = std::make_shared<CompletionQueue>();
-    std::atomic<bool> isInvalid_ = false;
 };
 
 } // namespace
@@ -75,12 +70,7 @@ std::shared_ptr<HttpSession> LinuxHttpSessions::makeSession(const HttpSessionCon
 }
 
 HttpAnswer LinuxHttpSessions::sendSynchronously(const HttpRequest& request) {
-    HttpSessionConfiguration configuration;
-    configuration.kind = HttpSessionKind::standard;
-    const auto answer = std::make_shared<std::promise<HttpAnswer>>();
-    transport_->start(request, configuration, BodyPlace::memory,
-                      [answer](HttpOutcome outcome) { answer->set_value(answerFrom(std::move(outcome))); });
-    return answer->get_future().get();
+    return sendAndWait(*this, request);
 }
 
 } // namespace lumora::platform::linux_backend

@@ -2,11 +2,8 @@
 
 #include "platform/macos/addresses.h"
 #include "platform/macos/foundation/objc_exceptions.h"
-#include "support/url.h"
-
-#include <algorithm>
-#include <atomic>
-#include <future>
+#include "support/checked_http_session.h"
+#include "support/http_requests.h"
 
 /// Lets no redirect be followed.
 @interface LumoraRedirectStop : NSObject <NSURLSessionTaskDelegate>
@@ -56,40 +53,6 @@ NSURLRequest* requestFrom(const HttpRequest& request) {
     return made;
 }
 
-bool isName(const std::string& text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
-        return character > ' ' && character <= '~' && character != ':';
-    });
-}
-
-// Whether no text of the request's head reaches beyond its place.
-bool isSound(const HttpRequest& request) {
-    return isName(request.method) &&
-           std::all_of(request.headers.begin(), request.headers.end(), [](const auto& header) {
-               return isName(header.first) &&
-                      header.second.find_first_of(std::string("\r\n\0", 3)) == std::string::npos;
-           });
-}
-
-// Why the request is not even tried; absent when it is. A session by itself speaks more than the two schemes.
-std::optional<Error> refusalOf(const HttpRequest& request, bool isSessionInvalid) {
-    const auto refusal = [&](NSInteger code, const char* text) {
-        return Error{textOf(NSURLErrorDomain), static_cast<int>(code), text, request.url};
-    };
-    if (!request.url)
-        return refusal(NSURLErrorBadURL, "bad URL");
-    NSURL* url = addressFrom(*request.url);
-    if (![@[ @"http", @"https" ] containsObject:url.scheme.lowercaseString])
-        return refusal(NSURLErrorUnsupportedURL, "unsupported URL");
-    if (!parseUrl(*request.url) || url.host.length == 0)
-        return refusal(NSURLErrorBadURL, "bad URL");
-    if (!isSound(request))
-        return refusal(NSURLErrorUnknown, "The request failed for an unknown reason.");
-    if (isSessionInvalid)
-        return refusal(NSURLErrorCancelled, "cancelled");
-    return std::nullopt;
-}
-
 // How any task ended, but for its body.
 template <class Answer> Answer answerFrom(NSURLResponse* response, NSError* error) {
     Answer answer;
@@ -101,69 +64,48 @@ template <class Answer> Answer answerFrom(NSURLResponse* response, NSError* erro
     return answer;
 }
 
-// The session's queue belongs to the system: no exception may pass through it, and the core has logged what
-// it had to.
-template <class Completion, class Answer> void deliver(const Completion& completion, Answer answer) {
-    try {
-        atPort([&] { completion(std::move(answer)); });
-    } catch (const std::exception& raised) {
-        NSLog(@"a completion raised: %s", raised.what());
-    }
-}
-
-class FoundationHttpSession final : public HttpSession {
+class FoundationHttpSession final : public CheckedHttpSession {
   public:
     explicit FoundationHttpSession(NSURLSession* session) : session_(session) {}
     ~FoundationHttpSession() override { [session_ finishTasksAndInvalidate]; }
     FoundationHttpSession(const FoundationHttpSession&) = delete;
     FoundationHttpSession& operator=(const FoundationHttpSession&) = delete;
 
-    // The lambdas copy what their blocks keep: of what a lambda refers to, a block keeps the reference.
-    void startDataTask(HttpRequest request, HttpDataCompletion completion) override {
-        start(request, completion, [&, completion] {
-            return [session_ dataTaskWithRequest:requestFrom(request)
-                               completionHandler:^(NSData* data, NSURLResponse* response, NSError* error) {
-                                   auto answer = answerFrom<HttpAnswer>(response, error);
-                                   if (error == nil)
-                                       answer.body.emplace(static_cast<const char*>(data.bytes), data.length);
-                                   deliver(completion, std::move(answer));
-                               }];
-        });
-    }
-
-    void startDownloadTask(HttpRequest request, HttpDownloadCompletion completion) override {
-        start(request, completion, [&, completion] {
-            return [session_ downloadTaskWithRequest:requestFrom(request)
-                                   completionHandler:^(NSURL* file, NSURLResponse* response, NSError* error) {
-                                       auto answer = answerFrom<HttpDownload>(response, error);
-                                       if (error == nil)
-                                           answer.temporaryFile = textOf(file.path);
-                                       deliver(completion, std::move(answer));
-                                   }];
-        });
-    }
-
-    void finishTasksAndInvalidate() override {
-        invalid_ = true;
-        [session_ finishTasksAndInvalidate];
-    }
-
   private:
-    template <class Answer, class MakeTask>
-    void start(const HttpRequest& request, std::function<void(Answer)> completion, const MakeTask& makeTask) {
+    // The lambdas copy what their blocks keep: of what a lambda refers to, a block keeps the reference.
+    void sendForData(const HttpRequest& request, HttpDataCompletion completion) override {
         atPort([&, completion] {
-            Answer refused;
-            refused.error = refusalOf(request, invalid_);
-            if (!refused.error)
-                return [makeTask() resume];
-            [session_.delegateQueue addOperationWithBlock:^{
-                deliver(completion, refused);
-            }];
+            [[session_ dataTaskWithRequest:requestFrom(request)
+                         completionHandler:^(NSData* data, NSURLResponse* response, NSError* error) {
+                             auto answer = answerFrom<HttpAnswer>(response, error);
+                             if (error == nil)
+                                 answer.body = bytesOf(data);
+                             completion(std::move(answer));
+                         }] resume];
         });
+    }
+
+    void sendForDownload(const HttpRequest& request, HttpDownloadCompletion completion) override {
+        atPort([&, completion] {
+            [[session_ downloadTaskWithRequest:requestFrom(request)
+                             completionHandler:^(NSURL* file, NSURLResponse* response, NSError* error) {
+                                 auto answer = answerFrom<HttpDownload>(response, error);
+                                 if (error == nil)
+                                     answer.temporaryFile = textOf(file.path);
+                                 completion(std::move(answer));
+                             }] resume];
+        });
+    }
+
+    void endWhenIdle() override { [session_ finishTasksAndInvalidate]; }
+
+    void onOwnThread(std::function<void()> work) override {
+        [session_.delegateQueue addOperationWithBlock:^{
+            work();
+        }];
     }
 
     NSURLSession* const session_;
-    std::atomic<bool> invalid_ = false; // a task of an invalidated session would raise
 };
 
 } // namespace
@@ -174,12 +116,7 @@ FoundationHttpSessions::makeSession(const HttpSessionConfiguration& configuratio
 }
 
 HttpAnswer FoundationHttpSessions::sendSynchronously(const HttpRequest& request) {
-    std::promise<HttpAnswer> answer;
-    HttpSessionConfiguration configuration;
-    configuration.kind = HttpSessionKind::standard;
-    const auto session = makeSession(configuration);
-    session->startDataTask(request, [&answer](HttpAnswer given) { answer.set_value(std::move(given)); });
-    return answer.get_future().get();
+    return sendAndWait(*this, request);
 }
 
 } // namespace lumora::platform::macos_backend

@@ -4,8 +4,15 @@
 
 #import <Foundation/Foundation.h>
 #include <string>
+#include <string_view>
 
 namespace lumora::platform::macos_backend {
+
+/// Bytes as the platform holds them, and back; nil is none.
+inline NSData* dataOf(std::string_view bytes) {
+    return [NSData dataWithBytes:bytes.data() length:bytes.size()];
+}
+inline std::string bytesOf(NSData* data) { return {static_cast<const char*>(data.bytes), data.length}; }
 
 /// The text as the platform holds it; bytes that are no UTF-8 give an empty one.
 inline NSString* nsString(const std::string& text) {
@@ -16,10 +23,7 @@ inline NSString* nsString(const std::string& text) {
 }
 
 /// The text in UTF-8, whole, with any NUL in it; nil is empty.
-inline std::string textOf(NSString* text) {
-    NSData* bytes = [text dataUsingEncoding:NSUTF8StringEncoding];
-    return bytes == nil ? std::string() : std::string(static_cast<const char*>(bytes.bytes), bytes.length);
-}
+inline std::string textOf(NSString* text) { return bytesOf([text dataUsingEncoding:NSUTF8StringEncoding]); }
 
 /// A platform error as the core's; nil, which no failure should give, is one without domain.
 inline Error errorOf(NSError* error) {

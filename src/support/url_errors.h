@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-namespace lumora::platform::linux_backend {
+namespace lumora {
 
-/// The URL loading system's error codes that this backend reports.
+/// The URL loading system's error codes that backends report by themselves.
 enum class UrlError : int {
     unknown = -1,
     cancelled = -999,
@@ -30,16 +30,6 @@ enum class UrlError : int {
 };
 
 /// The error value with its sentence. @param failingUrl  the address that failed, where there is one
-[[nodiscard]] Error urlError(UrlError code, std::optional<std::string> failingUrl);
+[[nodiscard]] platform::Error urlError(UrlError code, std::optional<std::string> failingUrl);
 
-/// What a failed transfer's own library tells about it.
-struct TransferFault {
-    int curlCode = 0;           ///< CURLcode
-    long certificateResult = 0; ///< OpenSSL's verification result
-    long systemError = 0;       ///< errno of the last connection attempt
-    bool hasNetworkPath = true;
-};
-
-[[nodiscard]] UrlError urlErrorFor(const TransferFault& fault);
-
-} // namespace lumora::platform::linux_backend
+} // namespace lumora

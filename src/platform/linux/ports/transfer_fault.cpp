@@ -1,11 +1,10 @@
-#include "platform/linux/ports/url_errors.h"
+#include "platform/linux/ports/transfer_fault.h"
 
 #include <curl/curl.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <string_view>
 #include <utility>
 
 namespace lumora::platform::linux_backend {
@@ -15,28 +14,6 @@ namespace {
 // OpenSSL's X509_V_ERR_... numbers, which libcurl hands through.
 constexpr long kCertificateNotYetValid = 9;
 constexpr long kCertificateHasExpired = 10;
-
-constexpr std::array<std::pair<UrlError, std::string_view>, 18> kDescriptions{{
-    {UrlError::unknown, "The request failed for an unknown reason."},
-    {UrlError::cancelled, "The request was cancelled."},
-    {UrlError::badUrl, "bad URL"},
-    {UrlError::timedOut, "The request timed out."},
-    {UrlError::unsupportedUrl, "unsupported URL"},
-    {UrlError::cannotFindHost, "A server with the specified hostname could not be found."},
-    {UrlError::cannotConnectToHost, "Could not connect to the server."},
-    {UrlError::networkConnectionLost, "The network connection was lost."},
-    {UrlError::httpTooManyRedirects, "There were too many HTTP redirects."},
-    {UrlError::notConnectedToInternet, "The Internet connection appears to be offline."},
-    {UrlError::badServerResponse, "The server's response is not a valid one."},
-    {UrlError::cannotDecodeContentData, "The server's response could not be decoded."},
-    {UrlError::dataLengthExceedsMaximum, "The server's response is too large."},
-    {UrlError::secureConnectionFailed,
-     "An SSL error has occurred and a secure connection to the server cannot be made."},
-    {UrlError::serverCertificateHasBadDate, "The certificate for this server has expired."},
-    {UrlError::serverCertificateUntrusted, "The certificate for this server is invalid."},
-    {UrlError::serverCertificateNotYetValid, "The certificate for this server is not yet valid."},
-    {UrlError::cannotWriteToFile, "The downloaded data could not be written to a file."},
-}};
 
 constexpr std::array<std::pair<CURLcode, UrlError>, 23> kCodes{{
     {CURLE_UNSUPPORTED_PROTOCOL, UrlError::unsupportedUrl},
@@ -64,23 +41,12 @@ constexpr std::array<std::pair<CURLcode, UrlError>, 23> kCodes{{
     {CURLE_CHUNK_FAILED, UrlError::badServerResponse},
 }};
 
-template <class Table, class Key>
-auto lookUp(const Table& table, Key key, decltype(table.front().second) otherwise) {
-    const auto entry =
-        std::find_if(table.begin(), table.end(), [&](const auto& row) { return row.first == key; });
-    return entry == table.end() ? otherwise : entry->second;
-}
-
 } // namespace
 
-Error urlError(UrlError code, std::optional<std::string> failingUrl) {
-    return Error{"NSURLErrorDomain", static_cast<int>(code),
-                 std::string(lookUp(kDescriptions, code, kDescriptions.front().second)),
-                 std::move(failingUrl)};
-}
-
 UrlError urlErrorFor(const TransferFault& fault) {
-    const UrlError code = lookUp(kCodes, static_cast<CURLcode>(fault.curlCode), UrlError::unknown);
+    const auto* row = std::find_if(kCodes.begin(), kCodes.end(),
+                                   [&](const auto& each) { return each.first == fault.curlCode; });
+    const UrlError code = row == kCodes.end() ? UrlError::unknown : row->second;
     if (code == UrlError::serverCertificateUntrusted && fault.certificateResult == kCertificateHasExpired)
         return UrlError::serverCertificateHasBadDate;
     if (code == UrlError::serverCertificateUntrusted && fault.certificateResult == kCertificateNotYetValid)
