@@ -1,8 +1,10 @@
-#include "platform/linux/ports/linux_bundles.h"
-#include "platform/linux/ports/linux_property_lists.h"
+#include "support/another_process.h"
+#include "support/backend.h"
 #include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
+
+#include <iostream>
 
 namespace lumora::contract {
 namespace {
@@ -10,71 +12,77 @@ namespace {
 namespace fs = std::filesystem;
 using platform::PropertyListDictionary;
 using platform::PropertyListValue;
-using platform::linux_backend::HomeFolder;
-using platform::linux_backend::LinuxBundles;
 
+/// This program lies in a bundle of the build's making, which stands for the application's.
 class BundlesContract : public testing::Test {
   protected:
     BundlesContract() {
-        makeBundle(app_,
-                   {{"CFBundleIdentifier", "com.example.app"}, {"CFBundleShortVersionString", "1.2.3"}});
-        fs::create_directories(app_ + "/Contents/Resources");
-        writeFile(app_ + "/Contents/Resources/NoInternetPage.html", "page");
+        makeBundle({{"CFBundleIdentifier", "com.example.app"}, {"CFBundleShortVersionString", "1.2.3"}});
     }
 
-    void makeBundle(const std::string& path, const PropertyListDictionary& info) {
-        fs::create_directories(path + "/Contents");
-        writeFile(path + "/Contents/Info.plist", lists_.serializeXml(info).value());
+    void makeBundle(const PropertyListDictionary& info) {
+        fs::create_directories(other_ + "/Contents");
+        writeFile(other_ + "/Contents/Info.plist", lists_.serializeXml(info).value());
     }
 
     TemporaryFolder folder_;
-    const std::string app_ = folder_ / "Ovra Tessel Lumora.app";
-    platform::linux_backend::LinuxPropertyLists lists_;
-    LinuxBundles bundles_{app_ + "/Contents/MacOS/Ovra Tessel Lumora", HomeFolder(folder_ / "home"), lists_};
+    const std::string own_ = fs::path(thisProgram()).parent_path().parent_path().parent_path().string();
+    const std::string other_ = folder_ / "Ovra Tessel Lumora.app";
+    PropertyLists lists_;
+    std::unique_ptr<platform::Bundles> bundles_ = makeBundles();
 };
 
 TEST_F(BundlesContract, theMainBundleIsTheRunningProgramsOwn) {
-    EXPECT_EQ(app_, bundles_.mainBundlePath());
-    EXPECT_EQ("com.example.app", bundles_.mainBundleIdentifier());
-    EXPECT_EQ(fs::read_symlink("/proc/self/exe").string(), LinuxBundles::runningExecutable());
+    EXPECT_EQ(own_, fs::canonical(bundles_->mainBundlePath()).string());
+    EXPECT_FALSE(bundles_->mainBundlePath().ends_with('/'));
+    EXPECT_EQ("com.ovra.tessel.contract.bundles", bundles_->mainBundleIdentifier());
 }
 
 TEST_F(BundlesContract, aProgramOutsideABundleHasItsFolderAndNoIdentifier) {
-    LinuxBundles bundles("/usr/bin/tool", HomeFolder("/nowhere"), lists_);
+    const std::string tool = folder_ / "tool";
+    fs::copy_file(thisProgram(), tool);
 
-    EXPECT_EQ("/usr/bin", bundles.mainBundlePath());
-    EXPECT_EQ(std::nullopt, bundles.mainBundleIdentifier());
+    AnotherProcess process({"tell"}, tool);
+
+    EXPECT_EQ(fs::canonical(folder_.path()), fs::canonical(process.nextLine()));
+    EXPECT_EQ("no identifier", process.output());
 }
 
 TEST_F(BundlesContract, resourcesAreFoundByNameAndType) {
-    EXPECT_EQ(app_ + "/Contents/Resources/NoInternetPage.html",
-              bundles_.pathForResource("NoInternetPage", "html"));
-    EXPECT_EQ(app_ + "/Contents/Resources/NoInternetPage.html",
-              bundles_.pathForResource("NoInternetPage.html", ""));
-    EXPECT_EQ(std::nullopt, bundles_.pathForResource("NoInternetPage", "sh"));
+    const auto canonical = [](const std::optional<std::string>& path) {
+        return path ? fs::canonical(*path).string() : "absent";
+    };
+    EXPECT_EQ(own_ + "/Contents/Resources/Page.html", canonical(bundles_->pathForResource("Page", "html")));
+    EXPECT_EQ(own_ + "/Contents/Resources/Page.html", canonical(bundles_->pathForResource("Page.html", "")));
+    EXPECT_EQ(std::nullopt, bundles_->pathForResource("Page", "sh"));
 }
 
 TEST_F(BundlesContract, informationIsReadAfresh) {
-    EXPECT_EQ(PropertyListValue("1.2.3"), bundles_.infoDictionaryValue(app_, "CFBundleShortVersionString"));
-    makeBundle(app_, {{"CFBundleShortVersionString", std::int64_t{4}}});
+    EXPECT_EQ(PropertyListValue("1.2.3"),
+              bundles_->infoDictionaryValue(other_, "CFBundleShortVersionString"));
+    makeBundle({{"CFBundleShortVersionString", std::int64_t{4}}});
     EXPECT_EQ(PropertyListValue(std::int64_t{4}),
-              bundles_.infoDictionaryValue(app_, "CFBundleShortVersionString"));
-    EXPECT_EQ(std::nullopt, bundles_.infoDictionaryValue(app_, "CFBundleIdentifier"));
+              bundles_->infoDictionaryValue(other_, "CFBundleShortVersionString"));
+    EXPECT_EQ(std::nullopt, bundles_->infoDictionaryValue(other_, "CFBundleIdentifier"));
 }
 
 TEST_F(BundlesContract, whateverIsMissingOrMalformedIsAbsent) {
-    EXPECT_EQ(std::nullopt, bundles_.infoDictionaryValue(folder_ / "missing.app", "k"));
-    writeFile(app_ + "/Contents/Info.plist", "junk");
-    EXPECT_EQ(std::nullopt, bundles_.infoDictionaryValue(app_, "k"));
-    writeFile(app_ + "/Contents/Info.plist", lists_.serializeXml("no dictionary").value());
-    EXPECT_EQ(std::nullopt, bundles_.infoDictionaryValue(app_, "k"));
-}
-
-TEST_F(BundlesContract, insideTheHomeFolderABundleIsFoundWhateverItsCase) {
-    makeBundle(folder_ / "home/Ovra.App", {{"k", "v"}});
-
-    EXPECT_EQ(PropertyListValue("v"), bundles_.infoDictionaryValue(folder_ / "home//Ovra.app", "k"));
+    EXPECT_EQ(std::nullopt, bundles_->infoDictionaryValue(folder_ / "missing.app", "k"));
+    writeFile(other_ + "/Contents/Info.plist", "junk");
+    EXPECT_EQ(std::nullopt, bundles_->infoDictionaryValue(other_, "k"));
+    writeFile(other_ + "/Contents/Info.plist", lists_.serializeXml("no dictionary").value());
+    EXPECT_EQ(std::nullopt, bundles_->infoDictionaryValue(other_, "k"));
 }
 
 } // namespace
+
+int asAnotherProcess(const std::vector<std::string>& arguments) {
+    if (arguments.front() != "tell")
+        return 1;
+    const auto bundles = makeBundles();
+    std::cout << bundles->mainBundlePath() << '\n'
+              << bundles->mainBundleIdentifier().value_or("no identifier");
+    return 0;
+}
+
 } // namespace lumora::contract

@@ -1,317 +1,248 @@
-#include "platform/linux/ports/launch_arguments.h"
-#include "platform/linux/ports/linux_preferences.h"
-#include "platform/linux/ports/linux_property_lists.h"
-#include "support/in_child.h"
-#include "support/temporary_folder.h"
+#include "support/another_process.h"
+#include "support/preferences_world.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include <atomic>
+#include <filesystem>
+#include <iostream>
 #include <thread>
 
 namespace lumora::contract {
 namespace {
 
-namespace fs = std::filesystem;
 using platform::PreferenceLevel;
 using platform::PropertyListDictionary;
 using platform::PropertyListValue;
-using platform::linux_backend::LinuxPreferences;
-using platform::linux_backend::PreferenceFolders;
-using platform::linux_backend::preferencesFromArguments;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 
-constexpr const char* kDomain = LinuxPreferences::kApplicationDomain;
+constexpr const char* kDomain = PreferencesWorld::kDomain;
+constexpr const char* kOtherDomain = PreferencesWorld::kOtherDomain;
 constexpr auto kUser = PreferenceLevel::currentUserAnyHost;
 constexpr auto kSystem = PreferenceLevel::anyUserAnyHost;
 
+constexpr int kThreads = 2;
+constexpr int kKeys = 100;
+
+std::string keyOf(const std::string& process, int thread, int key) {
+    return fmt::format("{}-{}-{}", process, thread, key);
+}
+
 class PreferencesContract : public testing::Test {
   protected:
-    PreferencesContract() {
-        folders_.managed = folder_ / "managed";
-        folders_.user = folder_ / "home/Library/Preferences";
-        folders_.system = folder_ / "system";
-    }
-
-    LinuxPreferences make(const std::vector<std::string>& arguments = {}) {
-        return {arguments, folders_, lists_};
-    }
-
-    static std::string fileIn(const std::string& folder) { return folder + "/" + kDomain + ".plist"; }
-
-    void store(const std::string& folder, const PropertyListDictionary& dictionary) {
-        fs::create_directories(folder);
-        writeFile(fileIn(folder), lists_.serializeXml(dictionary).value());
-    }
-
-    PropertyListDictionary stored(const std::string& folder) {
-        const auto list = lists_.parse(contentsOf(fileIn(folder)));
-        const auto* dictionary = list ? list.value().as<PropertyListDictionary>() : nullptr;
-        return dictionary == nullptr ? PropertyListDictionary{} : *dictionary;
-    }
-
-    TemporaryFolder folder_;
-    PreferenceFolders folders_;
-    platform::linux_backend::LinuxPropertyLists lists_;
+    PreferencesWorld world_;
 };
 
-TEST(LaunchArguments, pairsGiveStrings) {
-    EXPECT_THAT(preferencesFromArguments({"-DC", "com", "-pathForLumora", "join", "-Empty", ""}),
-                UnorderedElementsAre(Pair("DC", "com"), Pair("pathForLumora", "join"), Pair("Empty", "")));
-}
+TEST_F(PreferencesContract, aLaunchArgumentWinsOverTheUsersValue) {
+    world_.store({{"a", "user"}, {"b", "user"}});
 
-TEST(LaunchArguments, aKeyBeforeADashWordOrAtTheEndHasNoValue) {
-    EXPECT_THAT(preferencesFromArguments({"-A", "-B", "b", "-Number", "-5", "-Last"}),
-                UnorderedElementsAre(Pair("B", "b")));
-    EXPECT_THAT(preferencesFromArguments({}), testing::IsEmpty());
-    EXPECT_THAT(preferencesFromArguments({"-"}), testing::IsEmpty());
-    EXPECT_THAT(preferencesFromArguments({"-", "value"}), testing::IsEmpty());
-}
+    AnotherProcess application({"tell", "a", "b", "c", "-a", "argument"});
 
-TEST(LaunchArguments, strayWordsAreSkippedAndTheLaterOfEqualKeysCounts) {
-    EXPECT_THAT(preferencesFromArguments({"stray", "-A", "1", "stray", "-A", "2", "--long", "x"}),
-                UnorderedElementsAre(Pair("A", "2"), Pair("-long", "x")));
-}
-
-TEST(PreferenceFoldersOfAHome, lieWhereThePlatformHasThem) {
-    const PreferenceFolders folders = PreferenceFolders::forHome("/home/x");
-
-    EXPECT_EQ("/Library/Managed Preferences", folders.managed);
-    EXPECT_EQ("/home/x/Library/Preferences", folders.user);
-    EXPECT_EQ("/Library/Preferences", folders.system);
-}
-
-TEST_F(PreferencesContract, theFirstLevelThatHasTheKeyWins) {
-    store(folders_.system, {{"a", "system"}, {"b", "system"}, {"c", "system"}, {"d", "system"}});
-    store(folders_.user, {{"a", "user"}, {"b", "user"}, {"c", "user"}});
-    store(folders_.managed, {{"a", "managed"}, {"b", "managed"}});
-    auto preferences = make({"-a", "argument"});
-
-    EXPECT_EQ(PropertyListValue("argument"), preferences.objectForKey("a"));
-    EXPECT_EQ(PropertyListValue("managed"), preferences.objectForKey("b"));
-    EXPECT_EQ(PropertyListValue("user"), preferences.objectForKey("c"));
-    EXPECT_EQ(PropertyListValue("system"), preferences.objectForKey("d"));
-    EXPECT_EQ(std::nullopt, preferences.objectForKey("e"));
-}
-
-TEST_F(PreferencesContract, anEmptyValueWinsOverLowerLevels) {
-    store(folders_.system, {{"token", "system"}});
-    auto preferences = make();
-
-    preferences.setObject("token", "");
-    preferences.synchronize();
-
-    EXPECT_EQ(PropertyListValue(""), make().objectForKey("token"));
+    EXPECT_EQ("text argument", application.nextLine());
+    EXPECT_EQ("text user", application.nextLine());
+    EXPECT_EQ("absent\n", application.output());
 }
 
 TEST_F(PreferencesContract, launchArgumentsAreAlwaysStrings) {
-    EXPECT_EQ(PropertyListValue("42"), make({"-n", "42"}).objectForKey("n"));
+    AnotherProcess application({"tell", "n", "yes", "-n", "42", "-yes", "YES"});
+
+    EXPECT_EQ("text 42\ntext YES\n", application.output());
+}
+
+TEST_F(PreferencesContract, theUsersValueWinsOverTheSystems) {
+    if (!world_.storeForAllUsers({{"a", "system"}, {"b", "system"}}))
+        GTEST_SKIP() << "the level of all users is this machine's: no test writes there";
+    world_.store({{"a", "user"}});
+    const auto preferences = world_.open();
+
+    EXPECT_EQ(PropertyListValue("user"), preferences->objectForKey("a"));
+    EXPECT_EQ(PropertyListValue("system"), preferences->objectForKey("b"));
+    EXPECT_EQ(std::nullopt, preferences->objectForKey("c"));
+}
+
+TEST_F(PreferencesContract, anEmptyValueIsAValue) {
+    static_cast<void>(world_.storeForAllUsers({{"token", "system"}}));
+    {
+        const auto preferences = world_.open();
+        preferences->setObject("token", "");
+        preferences->synchronize();
+    }
+
+    EXPECT_EQ(PropertyListValue(""), world_.open()->objectForKey("token"));
+    EXPECT_EQ("text \n", AnotherProcess({"tell", "token"}).output());
 }
 
 TEST_F(PreferencesContract, valuesKeepTheirTypesAndOtherKeysStay) {
-    store(folders_.user, {{"other", platform::PropertyListArray{"kept", std::int64_t{1}}}});
-    auto preferences = make();
+    const PropertyListValue list(platform::PropertyListArray{"kept", std::int64_t{1}});
+    world_.store({{"other", list}});
+    const auto preferences = world_.open();
 
-    preferences.setObject("port", std::int64_t{8080});
-    preferences.setObject("authRequired", true);
-    preferences.setObject("password", "a<b>&\"c\" ");
-    EXPECT_EQ(PropertyListValue(std::int64_t{8080}), preferences.objectForKey("port"))
+    preferences->setObject("port", std::int64_t{8080});
+    preferences->setObject("authRequired", true);
+    preferences->setObject("password", "a<b>&\"c\" ");
+    EXPECT_EQ(PropertyListValue(std::int64_t{8080}), preferences->objectForKey("port"))
         << "before it is on disk";
-    preferences.synchronize();
+    preferences->synchronize();
 
-    EXPECT_THAT(stored(folders_.user),
-                UnorderedElementsAre(
-                    Pair("other", PropertyListValue(platform::PropertyListArray{"kept", std::int64_t{1}})),
-                    Pair("port", PropertyListValue(std::int64_t{8080})),
-                    Pair("authRequired", PropertyListValue(true)),
-                    Pair("password", PropertyListValue("a<b>&\"c\" "))));
-}
-
-TEST_F(PreferencesContract, theUsersFileIsPrivateAndTheSystemsReadable) {
-    const mode_t previous = ::umask(0077);
-    auto preferences = make();
-    preferences.setValue("k", "v", kDomain, kUser);
-    preferences.setValue("k", "v", kDomain, kSystem);
-    EXPECT_TRUE(preferences.synchronize(kDomain, kUser));
-    EXPECT_TRUE(preferences.synchronize(kDomain, kSystem));
-    ::umask(previous);
-
-    EXPECT_EQ(fs::perms(0600), fs::status(fileIn(folders_.user)).permissions());
-    EXPECT_EQ(fs::perms(0644), fs::status(fileIn(folders_.system)).permissions());
-    EXPECT_EQ(PropertyListValue("v"), stored(folders_.system).at("k"));
+    EXPECT_THAT(world_.stored(),
+                UnorderedElementsAre(Pair("other", list), Pair("port", PropertyListValue(std::int64_t{8080})),
+                                     Pair("authRequired", PropertyListValue(true)),
+                                     Pair("password", PropertyListValue("a<b>&\"c\" "))));
+    EXPECT_EQ("number 8080\nboolean 1\ntext a<b>&\"c\" \nother\n",
+              AnotherProcess({"tell", "port", "authRequired", "password", "other"}).output());
 }
 
 TEST_F(PreferencesContract, aLevelWithoutRightsFailsAloneAndSilently) {
-    fs::permissions(folder_.path(), fs::perms(0755));
-    fs::create_directories(folders_.user);
-    fs::permissions(folders_.user, fs::perms(0777));
-    fs::create_directories(folders_.system);
+    const std::string told = AnotherProcess({"writeLevels"}).output();
+    if (told == "superuser")
+        GTEST_SKIP() << "the superuser may write every level";
 
-    EXPECT_EQ("", inChildAsOrdinaryUser([&]() -> std::string {
-                  auto preferences = make();
-                  preferences.setValue("k", "v", kDomain, kUser);
-                  preferences.setValue("k", "v", kDomain, kSystem);
-                  if (!preferences.synchronize(kDomain, kUser))
-                      return "the user's level was not written";
-                  return preferences.synchronize(kDomain, kSystem) ? "the system's level was written" : "";
-              }));
-    EXPECT_EQ(PropertyListValue("v"), stored(folders_.user).at("k"));
-    EXPECT_FALSE(fs::exists(fileIn(folders_.system)));
+    EXPECT_EQ("user written, system not", told);
+    EXPECT_THAT(world_.stored(), UnorderedElementsAre(Pair("k", PropertyListValue("v"))));
+    EXPECT_FALSE(std::filesystem::exists(world_.fileOfAllUsers()));
 }
 
-TEST_F(PreferencesContract, anUnwritableFolderKeepsTheValueInThisProcess) {
-    fs::create_directories(folder_ / "home");
-    writeFile(folder_ / "home/Library", "a file in the way");
-    auto preferences = make();
+TEST_F(PreferencesContract, aLevelIsWrittenByItsName) {
+    const auto preferences = world_.open();
 
-    preferences.setObject("k", "v");
-    preferences.synchronize();
+    preferences->setValue("k", "v", kDomain, kUser);
+    ASSERT_TRUE(preferences->synchronize(kDomain, kUser));
 
-    EXPECT_EQ(PropertyListValue("v"), preferences.objectForKey("k"));
+    EXPECT_THAT(world_.stored(), UnorderedElementsAre(Pair("k", PropertyListValue("v"))));
+    EXPECT_EQ("text v\n", AnotherProcess({"tell", "k"}).output());
 }
 
-TEST_F(PreferencesContract, otherDomainsHaveFilesOfTheirOwn) {
-    auto preferences = make();
-    preferences.setValue("k", "v", "com.example.other", kUser);
-    ASSERT_TRUE(preferences.synchronize("com.example.other", kUser));
+TEST_F(PreferencesContract, otherDomainsAreStoredApart) {
+    const auto preferences = world_.open();
 
-    EXPECT_TRUE(fs::exists(folders_.user + "/com.example.other.plist"));
-    EXPECT_EQ(std::nullopt, preferences.objectForKey("k"));
-    preferences.setValue("k", "v", "../escape", kUser);
-    EXPECT_FALSE(preferences.synchronize("../escape", kUser));
-    EXPECT_FALSE(preferences.synchronize("", kUser));
+    preferences->setValue("k", "v", kOtherDomain, kUser);
+    ASSERT_TRUE(preferences->synchronize(kOtherDomain, kUser));
+
+    EXPECT_THAT(world_.stored(kOtherDomain), UnorderedElementsAre(Pair("k", PropertyListValue("v"))));
+    EXPECT_EQ(std::nullopt, preferences->objectForKey("k"));
 }
 
-TEST_F(PreferencesContract, whatOthersWriteIsSeenAtOnce) {
-    auto preferences = make();
-    EXPECT_EQ(std::nullopt, preferences.objectForKey("k"));
-    // Equal sizes, and more than one write within a tick of the file system's clock.
-    for (int round = 0; round < 200; ++round) {
-        const std::string value = fmt::format("{:03}", round);
-        auto other = make();
-        other.setObject("k", value);
-        other.synchronize();
-        ASSERT_EQ(PropertyListValue(value), preferences.objectForKey("k"));
+TEST_F(PreferencesContract, whatAnotherProcessWritesIsSeen) {
+    const auto preferences = world_.open();
+    EXPECT_EQ(std::nullopt, preferences->objectForKey("k"));
+    for (const char* value : {"one", "two", "six"}) {
+        ASSERT_EQ("", AnotherProcess({"write", "k", value}).output());
+
+        EXPECT_EQ(PropertyListValue(value), preferences->objectForKey("k"));
     }
-    fs::remove(fileIn(folders_.user));
-    EXPECT_EQ(std::nullopt, preferences.objectForKey("k"));
-}
-
-TEST_F(PreferencesContract, aBinaryFileIsReadAndWrittenOver) {
-    fs::create_directories(folders_.user);
-    writeFile(
-        fileIn(folders_.user),
-        std::string(
-            "bplist00\xD1\x01\x02Qk\x53old\x08\x0B\x0D\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0"
-            "\0\0\0\0\0\0\0\x11",
-            52));
-    auto preferences = make();
-
-    EXPECT_EQ(PropertyListValue("old"), preferences.objectForKey("k"));
-    preferences.setObject("l", "new");
-    preferences.synchronize();
-
-    EXPECT_THAT(stored(folders_.user), UnorderedElementsAre(Pair("k", PropertyListValue("old")),
-                                                            Pair("l", PropertyListValue("new"))));
-}
-
-TEST_F(PreferencesContract, damagedFilesCountAsEmptyAndAreKeptAsideWhenWrittenOver) {
-    fs::create_directories(folders_.user);
-    const std::string file = fileIn(folders_.user);
-    int number = 0;
-    for (const std::string& bytes :
-         {std::string("<plist><dict><key>k"), std::string("bplist00junk"),
-          lists_.serializeXml("no dictionary").value(), std::string(), std::string(5 << 20, ' ')}) {
-        writeFile(file, bytes);
-        auto preferences = make();
-        EXPECT_EQ(std::nullopt, preferences.objectForKey("k"));
-
-        preferences.setObject("k", "v");
-        preferences.synchronize();
-
-        EXPECT_EQ(PropertyListValue("v"), stored(folders_.user).at("k"));
-        EXPECT_EQ(bytes, contentsOf(fmt::format("{}.damaged-{}", file, ++number)));
-    }
-}
-
-TEST_F(PreferencesContract, aPipeInPlaceOfAFileNeitherBlocksNorCounts) {
-    fs::create_directories(folders_.managed);
-    ASSERT_EQ(0, ::mkfifo(fileIn(folders_.managed).c_str(), 0600));
-    store(folders_.user, {{"k", "user"}});
-
-    EXPECT_EQ(PropertyListValue("user"), make().objectForKey("k"));
-}
-
-TEST_F(PreferencesContract, aTextThatXmlCannotCarryKeepsNoOtherValueFromTheDisk) {
-    auto preferences = make();
-    preferences.setObject("bad", std::string("a\0b", 3));
-    preferences.setObject("good", "text");
-    preferences.synchronize();
-
-    EXPECT_THAT(stored(folders_.user), UnorderedElementsAre(Pair("good", PropertyListValue("text"))));
-    EXPECT_EQ(PropertyListValue(std::string("a\0b", 3)), preferences.objectForKey("bad"));
 }
 
 TEST_F(PreferencesContract, twoProcessesOfSeveralThreadsLoseNoWrite) {
-    constexpr int kThreads = 2;
-    constexpr int kKeys = 100;
-    const auto writeKeys = [&](const std::string& process) -> std::string {
-        auto preferences = make();
-        std::vector<std::thread> threads;
-        for (int thread = 0; thread < kThreads; ++thread) {
-            threads.emplace_back([&, thread] {
-                for (int key = 0; key < kKeys; ++key) {
-                    preferences.setObject(fmt::format("{}-{}-{}", process, thread, key), std::int64_t{key});
-                    preferences.synchronize();
-                }
-            });
-        }
-        for (std::thread& thread : threads)
-            thread.join();
-        return "";
-    };
+    AnotherProcess first({"writeMany", "a"});
+    AnotherProcess second({"writeMany", "b"});
 
-    Child first([&] { return writeKeys("a"); });
-    Child second([&] { return writeKeys("b"); });
-
-    EXPECT_EQ("", first.report());
-    EXPECT_EQ("", second.report());
-    const PropertyListDictionary all = stored(folders_.user);
+    EXPECT_EQ("", first.output());
+    EXPECT_EQ("", second.output());
+    const PropertyListDictionary all = world_.stored();
     EXPECT_EQ(2U * kThreads * kKeys, all.size());
     for (const char* process : {"a", "b"}) {
         for (int thread = 0; thread < kThreads; ++thread) {
             for (int key = 0; key < kKeys; ++key)
-                ASSERT_TRUE(all.contains(fmt::format("{}-{}-{}", process, thread, key)));
+                ASSERT_TRUE(all.contains(keyOf(process, thread, key)));
         }
     }
 }
 
-TEST_F(PreferencesContract, readersNeverSeeAHalfFile) {
-    store(folders_.user, {{"always", "here"}});
+TEST_F(PreferencesContract, readersNeverMissWhatStands) {
+    world_.store({{"always", "here"}});
     std::atomic<bool> done = false;
     std::thread writer([&] {
-        auto preferences = make();
+        const auto preferences = world_.open();
         for (int round = 0; round < 200; ++round) {
-            preferences.setObject("k", std::string(static_cast<std::size_t>(round * 37), 'x'));
-            preferences.synchronize();
+            preferences->setObject("k", std::string(static_cast<std::size_t>(round * 37), 'x'));
+            preferences->synchronize();
         }
         done = true;
     });
-    auto reader = make();
+    const auto reader = world_.open();
     bool missed = false;
     while (!done)
-        missed = missed || reader.objectForKey("always") != PropertyListValue("here");
+        missed = missed || reader->objectForKey("always") != PropertyListValue("here");
     writer.join();
 
     EXPECT_FALSE(missed);
 }
 
+std::string toldOf(const std::optional<PropertyListValue>& value) {
+    if (!value)
+        return "absent";
+    if (const auto* text = value->as<std::string>())
+        return "text " + *text;
+    if (const auto* number = value->as<std::int64_t>())
+        return fmt::format("number {}", *number);
+    if (const auto* flag = value->as<bool>())
+        return fmt::format("boolean {}", int{*flag});
+    return "other";
+}
+
+/// Prints the values of the keys before the first launch argument.
+int tell(const std::vector<std::string>& arguments) {
+    PreferencesWorld world;
+    const auto preferences = world.open(arguments);
+    for (const std::string& key : arguments) {
+        if (key.starts_with('-'))
+            break;
+        std::cout << toldOf(preferences->objectForKey(key)) << '\n';
+    }
+    return 0;
+}
+
+int writeMany(const std::string& process) {
+    PreferencesWorld world;
+    const auto preferences = world.open();
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (int key = 0; key < kKeys; ++key) {
+                preferences->setObject(keyOf(process, thread, key), std::int64_t{key});
+                preferences->synchronize();
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    return 0;
+}
+
+int writeLevels() {
+    PreferencesWorld world;
+    if (!world.becomeOrdinaryUser()) {
+        std::cout << "superuser";
+        return 0;
+    }
+    const auto preferences = world.open();
+    preferences->setValue("k", "v", kDomain, kUser);
+    preferences->setValue("k", "v", kDomain, kSystem);
+    std::cout << "user " << (preferences->synchronize(kDomain, kUser) ? "written" : "not") << ", system "
+              << (preferences->synchronize(kDomain, kSystem) ? "written" : "not");
+    return 0;
+}
+
 } // namespace
+
+int asAnotherProcess(const std::vector<std::string>& arguments) {
+    const std::string& what = arguments.front();
+    if (what == "tell")
+        return tell({arguments.begin() + 1, arguments.end()});
+    if (what == "writeMany")
+        return writeMany(arguments.at(1));
+    if (what == "writeLevels")
+        return writeLevels();
+    if (what != "write")
+        return 1;
+    PreferencesWorld world;
+    const auto preferences = world.open();
+    preferences->setObject(arguments.at(1), arguments.at(2));
+    preferences->synchronize();
+    return 0;
+}
+
 } // namespace lumora::contract

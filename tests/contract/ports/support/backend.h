@@ -1,11 +1,15 @@
 #pragma once
 
-/// The backend that the suites run on: the system's own, or the macOS one on whatever Foundation there is.
+/// The backend that the suites run on: the system's own, or the macOS one on whatever Foundation there is. A suite links
+/// the part of it that it makes ports of.
 #if defined(__APPLE__) || defined(LUMORA_MACOS_BACKEND)
 
+#include "platform/macos/foundation/foundation_bundles.h"
 #include "platform/macos/foundation/foundation_file_manager.h"
 #include "platform/macos/foundation/foundation_http_sessions.h"
+#include "platform/macos/foundation/foundation_preferences.h"
 #include "platform/macos/foundation/foundation_property_lists.h"
+#include "platform/macos/foundation/foundation_system_versions.h"
 
 #include <cerrno>
 #include <map>
@@ -18,12 +22,29 @@ namespace backend = platform::macos_backend;
 using FileManager = backend::FoundationFileManager;
 using PropertyLists = backend::FoundationPropertyLists;
 
+inline std::unique_ptr<platform::Bundles> makeBundles() {
+    return std::make_unique<backend::FoundationBundles>();
+}
+
 inline std::unique_ptr<platform::HttpSessions> makeHttpSessions() {
     return std::make_unique<backend::FoundationHttpSessions>();
 }
 
 /// The home folder is the user's own.
 inline FileManager makeFileManager(const std::string&) { return {}; }
+
+/// Of the running program's own domain and its launch arguments.
+inline std::unique_ptr<platform::Preferences> makePreferences() {
+    return std::make_unique<backend::FoundationPreferences>();
+}
+
+inline std::unique_ptr<platform::SystemVersions> makeSystemVersions() {
+    return std::make_unique<backend::FoundationSystemVersions>();
+}
+
+/// What prints the system's own words about itself.
+constexpr const char* kProductNameCommand = "sw_vers -productName";
+constexpr const char* kProductVersionCommand = "sw_vers -productVersion";
 
 /// The error number behind an error: the platform words its own kinds of failure.
 inline int errnoOf(const platform::Error& error) {
@@ -37,9 +58,11 @@ inline int errnoOf(const platform::Error& error) {
 
 #else
 
+#include "platform/linux/ports/linux_bundles.h"
 #include "platform/linux/ports/linux_file_manager.h"
 #include "platform/linux/ports/linux_http_sessions.h"
 #include "platform/linux/ports/linux_property_lists.h"
+#include "platform/linux/ports/linux_system_versions.h"
 
 #include <memory>
 #include <string>
@@ -50,12 +73,26 @@ namespace backend = platform::linux_backend;
 using FileManager = backend::LinuxFileManager;
 using PropertyLists = backend::LinuxPropertyLists;
 
+inline std::unique_ptr<platform::Bundles> makeBundles() {
+    static PropertyLists lists;
+    return std::make_unique<backend::LinuxBundles>(backend::LinuxBundles::runningExecutable(),
+                                                   backend::HomeFolder(), lists);
+}
+
 /// As on a machine with a network: the suites' own servers are reached over the loopback interface.
 inline std::unique_ptr<platform::HttpSessions> makeHttpSessions() {
     return std::make_unique<backend::LinuxHttpSessions>(backend::HttpTransferSettings{}, [] { return true; });
 }
 
 inline FileManager makeFileManager(const std::string& home) { return FileManager(backend::HomeFolder(home)); }
+
+inline std::unique_ptr<platform::SystemVersions> makeSystemVersions() {
+    return std::make_unique<backend::LinuxSystemVersions>();
+}
+
+/// What prints the system's own words about itself.
+constexpr const char* kProductNameCommand = ". /etc/os-release && echo \"$NAME\"";
+constexpr const char* kProductVersionCommand = ". /etc/os-release && echo \"$VERSION_ID\"";
 
 inline int errnoOf(const platform::Error& error) { return error.code; }
 
