@@ -1,6 +1,6 @@
 #include "view_test.h"
 
-namespace lumora::platform::linux_backend::testing {
+namespace lumora::contract {
 
 /// The policy guards reloads and navigations of type "other" of the main frame: only "localhost" is theirs. The server is
 /// also reached as 127.0.0.1, which is foreign.
@@ -141,7 +141,7 @@ TEST_F(NavigationPolicies, thePageIsStillGuardedAfterAFrameWentAway) {
 TEST_F(NavigationPolicies, linksAndFormsMayGoAnywhere) {
     click(foreign());
     ASSERT_TRUE(waitForTitle("foreign"));
-    ASSERT_TRUE(runUntil([this] { return webkit_web_view_is_loading(view.widget()) == FALSE; }));
+    ASSERT_TRUE(waitUntilLoaded());
     ASSERT_FALSE(delegate.asked.empty());
     EXPECT_EQ(delegate.asked.front().type, NavigationType::linkActivated);
 
@@ -258,4 +258,4 @@ TEST_F(NavigationPolicies, theRequestOfAForeignNewWindowIsNotLoaded) {
     expectThePageStays();
 }
 
-} // namespace lumora::platform::linux_backend::testing
+} // namespace lumora::contract

@@ -1,10 +1,15 @@
 #include "platform/linux/gui/gio_path_monitors.h"
 #include "view_test.h"
 
+#include <gio/gio.h>
+
 #include <atomic>
 #include <thread>
 
-namespace lumora::platform::linux_backend::testing {
+namespace lumora::contract {
+
+using namespace platform::linux_backend;
+using platform::PathStatus;
 
 class NetworkPaths : public ::testing::Test {
   protected:
@@ -91,4 +96,4 @@ TEST_F(NetworkPaths, aNewMonitorAfterACancelledOneStartsAfresh) {
     EXPECT_TRUE(runUntil([&] { return updates == 1; }));
 }
 
-} // namespace lumora::platform::linux_backend::testing
+} // namespace lumora::contract

@@ -1,6 +1,6 @@
 #include "view_test.h"
 
-namespace lumora::platform::linux_backend::testing {
+namespace lumora::contract {
 
 class ScriptEvaluation : public ViewTest {
   protected:
@@ -55,4 +55,4 @@ TEST_F(ScriptEvaluation, longScriptsAreTakenWhole) {
     EXPECT_TRUE(waitForTitle("1048576"));
 }
 
-} // namespace lumora::platform::linux_backend::testing
+} // namespace lumora::contract

@@ -1,6 +1,6 @@
 #include "view_test.h"
 
-namespace lumora::platform::linux_backend::testing {
+namespace lumora::contract {
 
 class ScriptMessagesOfAPage : public ViewTest {
   protected:
@@ -84,4 +84,4 @@ TEST_F(ScriptMessagesOfAPage, namesOutliveAReload) {
     EXPECT_EQ(posted("'again'").stringBody, "again");
 }
 
-} // namespace lumora::platform::linux_backend::testing
+} // namespace lumora::contract

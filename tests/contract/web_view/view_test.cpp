@@ -1,19 +1,12 @@
 #include "view_test.h"
 
-namespace lumora::platform::linux_backend::testing {
+#include "running_loop.h"
+
+namespace lumora::contract {
 
 bool runUntil(const std::function<bool()>& condition, std::chrono::milliseconds deadline) {
-    // Wakes the loop regularly: what changes the condition may be another thread.
-    constexpr guint kLookAgainMilliseconds = 5;
-    const SourcePointer pulse(g_timeout_source_new(kLookAgainMilliseconds));
-    g_source_set_callback(
-        pulse.get(), [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr, nullptr);
-    g_source_attach(pulse.get(), nullptr);
-    const auto end = std::chrono::steady_clock::now() + deadline;
-    while (!condition() && std::chrono::steady_clock::now() < end)
-        g_main_context_iteration(nullptr, TRUE);
-    g_source_destroy(pulse.get());
-    return condition();
+    static const std::unique_ptr<RunningLoop> loop = makeRunningLoop();
+    return loop->runUntil(condition, deadline);
 }
 
 void runFor(std::chrono::milliseconds time) {
@@ -58,16 +51,9 @@ void RecordingDelegate::webContentProcessDidTerminate(const std::string& url) {
         onLostPage();
 }
 
-ViewTest::ViewTest() : window_(gtk_window_new()) {
+ViewTest::ViewTest() {
     view.setDelegate(&delegate);
     view.addScriptMessageHandler("value");
-    gtk_window_set_child(GTK_WINDOW(window_), GTK_WIDGET(view.widget()));
-    gtk_window_present(GTK_WINDOW(window_));
-}
-
-ViewTest::~ViewTest() {
-    gtk_window_set_child(GTK_WINDOW(window_), nullptr);
-    gtk_window_destroy(GTK_WINDOW(window_));
 }
 
 void ViewTest::load(const std::string& url, std::chrono::seconds timeout) {
@@ -77,8 +63,7 @@ void ViewTest::load(const std::string& url, std::chrono::seconds timeout) {
 void ViewTest::show(const std::string& url) {
     load(url);
     ASSERT_TRUE(runUntil([&] {
-        return webkit_web_view_is_loading(view.widget()) == FALSE &&
-               url == textOf(webkit_web_view_get_uri(view.widget())) && !title().empty();
+        return !screen_->isLoading() && url == screen_->address() && !title().empty();
     })) << url;
 }
 
@@ -96,10 +81,12 @@ void ViewTest::run(const std::string& script) {
     view.evaluateJavaScript(script, [](const std::optional<Error>&) {});
 }
 
-std::string ViewTest::title() const { return textOf(webkit_web_view_get_title(view.widget())); }
-
 bool ViewTest::waitForTitle(const std::string& wanted) {
     return runUntil([&] { return title() == wanted; });
 }
 
-} // namespace lumora::platform::linux_backend::testing
+bool ViewTest::waitUntilLoaded() {
+    return runUntil([this] { return !screen_->isLoading(); });
+}
+
+} // namespace lumora::contract

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "page_server.h"
-#include "platform/linux/gui/glib_main_loop.h"
-#include "platform/linux/gui/webkit_view.h"
+#include "view_on_screen.h"
 
 #include <gtest/gtest.h>
-#include <gtk/gtk.h>
 
 #include <chrono>
 #include <functional>
@@ -13,9 +11,15 @@
 #include <string>
 #include <vector>
 
-namespace lumora::platform::linux_backend::testing {
+namespace lumora::contract {
 
 using namespace std::chrono_literals;
+using platform::Error;
+using platform::HttpCachePolicy;
+using platform::NavigationAction;
+using platform::NavigationPolicy;
+using platform::NavigationType;
+using platform::ScriptMessage;
 
 /// Runs the main loop until the condition holds.
 /// @return whether it did before the deadline.
@@ -25,7 +29,7 @@ using namespace std::chrono_literals;
 void runFor(std::chrono::milliseconds time);
 
 /// Writes down what the view tells, and answers as the test wants.
-class RecordingDelegate final : public WebViewDelegate {
+class RecordingDelegate final : public platform::WebViewDelegate {
   public:
     std::vector<ScriptMessage> messages;
     std::vector<NavigationAction> asked;
@@ -55,7 +59,8 @@ class RecordingDelegate final : public WebViewDelegate {
 class ViewTest : public ::testing::Test {
   protected:
     ViewTest();
-    ~ViewTest() override;
+
+    RecordingDelegate delegate;
 
     /// Loads an address without judging how that ends.
     void load(const std::string& url, std::chrono::seconds timeout = 60s);
@@ -69,15 +74,18 @@ class ViewTest : public ::testing::Test {
     void run(const std::string& script);
 
     [[nodiscard]] bool waitForTitle(const std::string& title);
-    [[nodiscard]] std::string title() const;
+    [[nodiscard]] bool waitUntilLoaded();
+    [[nodiscard]] std::string title() const { return screen_->title(); }
 
-    GlibMainLoop loop;
-    RecordingDelegate delegate;
-    WebKitView view{loop, "ovrajoin"};
-    PageServer server;
+    /// Of the page on the screen.
+    [[nodiscard]] bool killProcess() { return screen_->killPageProcess(); }
 
   private:
-    GtkWidget* window_;
+    std::unique_ptr<ViewOnScreen> screen_ = makeViewOnScreen();
+
+  protected:
+    platform::WebView& view = screen_->view();
+    PageServer server;
 };
 
-} // namespace lumora::platform::linux_backend::testing
+} // namespace lumora::contract

@@ -1,6 +1,10 @@
+#include "platform/linux/gui/glib_main_loop.h"
 #include "view_test.h"
 
-namespace lumora::platform::linux_backend::testing {
+namespace lumora::contract {
+
+using namespace platform::linux_backend;
+using platform::TimerMode;
 
 /// What the toolkit's windows and menus do to the loop; the rest is in the suite that runs on every system.
 class MainLoopOnGLib : public ::testing::Test {
@@ -42,4 +46,4 @@ TEST_F(MainLoopOnGLib, defaultModeTimersWaitWhileAMenuIsOpen) {
     EXPECT_TRUE(runUntil([&] { return byDefault >= 1; }));
 }
 
-} // namespace lumora::platform::linux_backend::testing
+} // namespace lumora::contract

@@ -4,16 +4,18 @@
 #include "view_test.h"
 
 #include <csignal>
-#include <thread>
 
-namespace lumora::platform::linux_backend::testing {
+namespace lumora::contract {
 
-class TheApplication : public ::testing::Test {
+using namespace platform::linux_backend;
+
+/// What the desktop asks of an application; the rest is in the suites that run on every system.
+class TheApplicationOnGtk : public ::testing::Test {
   protected:
     GlibMainLoop loop;
     DesktopApplication application{loop};
     WebKitHost host{loop, "ovrajoin"};
-    std::unique_ptr<WebView> view;
+    std::unique_ptr<platform::WebView> view;
     char name[6] = "tests";
 
     /// Launches with a window, runs the steps on the running loop, and returns the exit status.
@@ -36,30 +38,10 @@ class TheApplication : public ::testing::Test {
     }
 
     int lastWindowClosed = 0;
-    Window* windowAtTheEnd = nullptr;
+    platform::Window* windowAtTheEnd = nullptr;
 };
 
-TEST_F(TheApplication, thereIsNoWindowBeforeTheViewStandsInOne) {
-    application.run(name, [this] {
-        view = host.makeWebView();
-        EXPECT_EQ(host.window(), nullptr);
-        host.openWindow(application.handle(), "/nowhere", [] {});
-        EXPECT_NE(host.window(), nullptr);
-        application.terminate();
-    });
-}
-
-TEST_F(TheApplication, theWindowsTitleIsTheApplicationsUntilSet) {
-    runWithWindow([this] {
-        EXPECT_EQ(host.window()->title(), "Ovra Tessel Lumora");
-        host.window()->setTitle("Grüße");
-        EXPECT_EQ(host.window()->title(), "Grüße");
-        EXPECT_STREQ(gtk_window_get_title(gtkWindow()), "Grüße");
-        application.terminate();
-    });
-}
-
-TEST_F(TheApplication, closingTheLastWindowIsToldOnceAfterItHasGone) {
+TEST_F(TheApplicationOnGtk, closingTheLastWindowIsToldOnceAfterItHasGone) {
     runWithWindow([this] {
         gtk_window_close(gtkWindow());
         EXPECT_EQ(lastWindowClosed, 0);
@@ -68,7 +50,7 @@ TEST_F(TheApplication, closingTheLastWindowIsToldOnceAfterItHasGone) {
     EXPECT_EQ(windowAtTheEnd, nullptr);
 }
 
-TEST_F(TheApplication, theWindowStaysWhileSomethingIsModal) {
+TEST_F(TheApplicationOnGtk, theWindowStaysWhileSomethingIsModal) {
     runWithWindow([this] {
         auto modal = std::make_unique<EventTracking::ModalSession>(loop.tracking());
         gtk_window_close(gtkWindow());
@@ -80,18 +62,7 @@ TEST_F(TheApplication, theWindowStaysWhileSomethingIsModal) {
     EXPECT_EQ(lastWindowClosed, 1);
 }
 
-TEST_F(TheApplication, theViewOutlivesItsWindow) {
-    application.run(name, [this] {
-        view = host.makeWebView();
-        host.openWindow(application.handle(), "/nowhere", [this] {
-            view->load({"http://localhost:1/", HttpCachePolicy::useProtocolCachePolicy, 60s});
-            application.terminate();
-        });
-        loop.asyncOnMain([this] { gtk_window_close(gtkWindow()); });
-    });
-}
-
-TEST_F(TheApplication, quittingDoesNotCountAsClosingTheWindow) {
+TEST_F(TheApplicationOnGtk, quittingDoesNotCountAsClosingTheWindow) {
     EXPECT_EQ(runWithWindow([this] {
                   g_action_group_activate_action(G_ACTION_GROUP(application.handle()), "quit", nullptr);
               }),
@@ -99,32 +70,19 @@ TEST_F(TheApplication, quittingDoesNotCountAsClosingTheWindow) {
     EXPECT_EQ(lastWindowClosed, 0);
 }
 
-TEST_F(TheApplication, terminateMayBeCalledFromAnyThreadAndReturnsFirst) {
-    std::atomic<bool> returned = false;
-    std::thread caller;
-    runWithWindow([&] {
-        caller = std::thread([&] {
-            application.terminate();
-            returned = true;
-        });
-    });
-    caller.join();
-    EXPECT_TRUE(returned);
-}
-
-TEST_F(TheApplication, theEndSignalsQuit) {
+TEST_F(TheApplicationOnGtk, theEndSignalsQuit) {
     EXPECT_EQ(runWithWindow([] { std::raise(SIGTERM); }), 0);
     EXPECT_EQ(lastWindowClosed, 0);
 }
 
-TEST_F(TheApplication, aBrokenPipeDoesNotEndTheProcess) {
+TEST_F(TheApplicationOnGtk, aBrokenPipeDoesNotEndTheProcess) {
     runWithWindow([this] {
         std::raise(SIGPIPE);
         application.terminate();
     });
 }
 
-TEST_F(TheApplication, anOpenMenuCountsAsTracked) {
+TEST_F(TheApplicationOnGtk, anOpenMenuCountsAsTracked) {
     runWithWindow([this] {
         EXPECT_FALSE(loop.tracking().active());
         auto* window = GTK_WIDGET(gtkWindow());
@@ -140,4 +98,4 @@ TEST_F(TheApplication, anOpenMenuCountsAsTracked) {
     });
 }
 
-} // namespace lumora::platform::linux_backend::testing
+} // namespace lumora::contract
