@@ -1,156 +1,72 @@
-#include "platform/linux/glib_handles.h"
-#include "platform/linux/ports/linux_distributed_notifications.h"
-#include "support/eventually.h"
-#include "support/temporary_folder.h"
+#include "support/another_process.h"
+#include "support/backend.h"
+#include "support/notification_world.h"
 
-#include <gio/gio.h>
-#include <gmock/gmock.h>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
-#include <cstdlib>
-#include <cstring>
+#include <cstdint>
+#include <iostream>
 
 namespace lumora::contract {
 namespace {
 
-using platform::linux_backend::LinuxDistributedNotifications;
-using platform::linux_backend::ObjectRef;
-
-/// A session bus of the test's own.
-class Bus {
-  public:
-    explicit Bus(const std::string& socket) : address_("unix:path=" + socket) {
-        child_ = ::fork();
-        if (child_ == 0) {
-            ::execl("/usr/bin/dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile",
-                    ("--address=" + address_).c_str(), nullptr);
-            ::_exit(127);
-        }
-        EXPECT_TRUE(eventually([&] { return std::filesystem::exists(socket); }));
-    }
-    ~Bus() {
-        ::kill(child_, SIGTERM);
-        ::waitpid(child_, nullptr, 0);
-    }
-    Bus(const Bus&) = delete;
-    Bus& operator=(const Bus&) = delete;
-
-    [[nodiscard]] const std::string& address() const { return address_; }
-
-  private:
-    const std::string address_;
-    pid_t child_;
-};
-
-/// Another process's ear on the bus: whatever is posted, as text.
-class Listener {
-  public:
-    explicit Listener(const std::string& address)
-        : connection_(ObjectRef<GDBusConnection>::adopt(g_dbus_connection_new_for_address_sync(
-              address.c_str(),
-              static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-              nullptr, nullptr, nullptr))) {
-        g_dbus_connection_signal_subscribe(connection_.get(), nullptr, nullptr, nullptr, nullptr, nullptr,
-                                           G_DBUS_SIGNAL_FLAGS_NONE, &Listener::heard, this, nullptr);
-        // An answered call makes sure that the bus knows the subscription.
-        const auto answer = g_dbus_connection_call_sync(connection_.get(), "org.freedesktop.DBus", "/",
-                                                        "org.freedesktop.DBus.Peer", "Ping", nullptr, nullptr,
-                                                        G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-        g_variant_unref(answer);
-    }
-
-    std::string next() {
-        const bool came = eventually([&] {
-            g_main_context_iteration(nullptr, FALSE);
-            return !heard_.empty();
-        });
-        return came ? heard_ : "nothing";
-    }
-
-  private:
-    static void heard(GDBusConnection*, const gchar*, const gchar* path, const gchar* interface,
-                      const gchar* member, GVariant* parameters, gpointer self) {
-        if (std::string(interface).starts_with("org.freedesktop."))
-            return;
-        const platform::linux_backend::CharPointer printed(g_variant_print(parameters, TRUE));
-        static_cast<Listener*>(self)->heard_ = std::string(path) + " " + interface + "." + member + " " +
-                                               g_variant_get_type_string(parameters) + " " + printed.get();
-    }
-
-    ObjectRef<GDBusConnection> connection_;
-    std::string heard_;
-};
-
 class DistributedNotificationsContract : public testing::Test {
   protected:
-    TemporaryFolder folder_;
-    LinuxDistributedNotifications notifications_;
+    NotificationWorld world_;
+    /// Nobody else posts or hears it.
+    const std::string name_ = fmt::format("LumoraContract{}", ::getpid());
+    std::unique_ptr<platform::DistributedNotifications> notifications_ = makeDistributedNotifications();
 };
 
 TEST_F(DistributedNotificationsContract, aPostReachesOtherProcesses) {
-    const Bus bus(folder_ / "bus");
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
-    Listener listener(bus.address());
+    AnotherProcess first({"listen", name_});
+    AnotherProcess second({"listen", name_});
+    ASSERT_EQ("listening", first.nextLine());
+    ASSERT_EQ("listening", second.nextLine());
 
-    notifications_.post("SendSessionStatusToTesselLumora", "status", 0);
+    notifications_->post(name_, "status", 0);
 
-    EXPECT_EQ("/com/ovra/tessel/Lumora com.ovra.tessel.Lumora.Notification.Posted (sa{sv}) "
-              "('SendSessionStatusToTesselLumora', {'status': <int64 0>})",
-              listener.next());
+    EXPECT_EQ("status=0;", first.output());
+    EXPECT_EQ("status=0;", second.output());
 }
 
-TEST_F(DistributedNotificationsContract, theUsersOwnBusIsFoundWithoutAnAddress) {
-    const Bus bus(folder_ / "bus");
-    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
-    ::setenv("XDG_RUNTIME_DIR", folder_.path().c_str(), 1);
-    Listener listener(bus.address());
+TEST_F(DistributedNotificationsContract, anyIntegerArrivesAsItIs) {
+    for (const std::int64_t value : {std::int64_t{-7}, INT64_MAX, INT64_MIN}) {
+        AnotherProcess listener({"listen", name_});
+        ASSERT_EQ("listening", listener.nextLine());
 
-    notifications_.post("Name", "key", -7);
+        notifications_->post(name_, "key", value);
 
-    EXPECT_THAT(listener.next(), testing::HasSubstr("('Name', {'key': <int64 -7>})"));
-}
-
-TEST_F(DistributedNotificationsContract, withoutABusNothingHappensAndNoneIsStarted) {
-    ::setenv("XDG_RUNTIME_DIR", folder_.path().c_str(), 1);
-    writeFile(folder_ / "dbus-launch", "#!/bin/sh\ntouch " + (folder_ / "launched"));
-    std::filesystem::permissions(folder_ / "dbus-launch", std::filesystem::perms(0755));
-    ::setenv("PATH", (folder_.path().string() + ":/usr/bin:/bin").c_str(), 1);
-    ::setenv("DISPLAY", ":99", 1);
-    const auto start = std::chrono::steady_clock::now();
-    for (const char* address : {"", "autolaunch:", "unix:path=/nonexistent/bus", "junk"}) {
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
-        notifications_.post("Name", "key", 1);
+        EXPECT_EQ(fmt::format("key={};", value), listener.output());
     }
-
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
-    EXPECT_FALSE(std::filesystem::exists(folder_ / "launched"));
 }
 
-TEST_F(DistributedNotificationsContract, aBusThatDoesNotAnswerHoldsTheCallerForTwoSecondsOnly) {
-    const std::string path = folder_ / "mute";
-    const int mute = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-    ASSERT_EQ(0, ::bind(mute, reinterpret_cast<const sockaddr*>(&address), sizeof address));
-    ASSERT_EQ(0, ::listen(mute, 1));
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
+TEST_F(DistributedNotificationsContract, onlyListenersOfTheNameHear) {
+    AnotherProcess listener({"listen", name_});
+    ASSERT_EQ("listening", listener.nextLine());
 
-    const auto start = std::chrono::steady_clock::now();
-    notifications_.post("Name", "key", 1);
-    const auto took = std::chrono::steady_clock::now() - start;
-    ::close(mute);
+    notifications_->post(name_ + "Other", "key", 1);
+    notifications_->post(name_, "key", 2);
 
-    EXPECT_GE(took, std::chrono::milliseconds(1500));
-    EXPECT_LT(took, std::chrono::seconds(10));
+    EXPECT_EQ("key=2;", listener.output());
 }
 
 } // namespace
+
+int asAnotherProcess(const std::vector<std::string>& arguments) {
+    if (arguments.front() != "listen")
+        return 1;
+    const auto payload = awaitNotification(arguments.at(1), [] { std::cout << "listening" << std::endl; });
+    if (!payload)
+        return 2;
+    for (const auto& [key, value] : *payload) {
+        const auto* number = value.as<std::int64_t>();
+        std::cout << key << '=' << (number == nullptr ? "no integer" : fmt::to_string(*number)) << ';';
+    }
+    return 0;
+}
+
 } // namespace lumora::contract

@@ -4,7 +4,9 @@
 /// the part of it that it makes ports of.
 #if defined(__APPLE__) || defined(LUMORA_MACOS_BACKEND)
 
+#include "platform/macos/foundation/foundation_apple_scripts.h"
 #include "platform/macos/foundation/foundation_bundles.h"
+#include "platform/macos/foundation/foundation_distributed_notifications.h"
 #include "platform/macos/foundation/foundation_file_manager.h"
 #include "platform/macos/foundation/foundation_http_sessions.h"
 #include "platform/macos/foundation/foundation_preferences.h"
@@ -22,8 +24,16 @@ namespace backend = platform::macos_backend;
 using FileManager = backend::FoundationFileManager;
 using PropertyLists = backend::FoundationPropertyLists;
 
+inline std::unique_ptr<platform::AppleScripts> makeAppleScripts() {
+    return std::make_unique<backend::FoundationAppleScripts>();
+}
+
 inline std::unique_ptr<platform::Bundles> makeBundles() {
     return std::make_unique<backend::FoundationBundles>();
+}
+
+inline std::unique_ptr<platform::DistributedNotifications> makeDistributedNotifications() {
+    return std::make_unique<backend::FoundationDistributedNotifications>();
 }
 
 inline std::unique_ptr<platform::HttpSessions> makeHttpSessions() {
@@ -58,14 +68,19 @@ inline int errnoOf(const platform::Error& error) {
 
 #else
 
+#include "platform/linux/ports/linux_apple_scripts.h"
 #include "platform/linux/ports/linux_bundles.h"
+#include "platform/linux/ports/linux_distributed_notifications.h"
 #include "platform/linux/ports/linux_file_manager.h"
 #include "platform/linux/ports/linux_http_sessions.h"
 #include "platform/linux/ports/linux_property_lists.h"
 #include "platform/linux/ports/linux_system_versions.h"
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <thread>
+#include <utility>
 
 namespace lumora::contract {
 
@@ -73,10 +88,23 @@ namespace backend = platform::linux_backend;
 using FileManager = backend::LinuxFileManager;
 using PropertyLists = backend::LinuxPropertyLists;
 
+inline std::unique_ptr<platform::AppleScripts> makeAppleScripts() {
+    const auto waitOnAThread = [](std::function<void()> work) {
+        std::thread(std::move(work)).join();
+        return true;
+    };
+    return std::make_unique<backend::LinuxAppleScripts>(platform::posix_backend::currentEnvironment(),
+                                                        waitOnAThread);
+}
+
 inline std::unique_ptr<platform::Bundles> makeBundles() {
     static PropertyLists lists;
     return std::make_unique<backend::LinuxBundles>(backend::LinuxBundles::runningExecutable(),
                                                    backend::HomeFolder(), lists);
+}
+
+inline std::unique_ptr<platform::DistributedNotifications> makeDistributedNotifications() {
+    return std::make_unique<backend::LinuxDistributedNotifications>();
 }
 
 /// As on a machine with a network: the suites' own servers are reached over the loopback interface.

@@ -24,9 +24,11 @@ NSUserDefaults* defaults() { return NSUserDefaults.standardUserDefaults; }
 
 struct PreferencesWorld::State {
     static void clear() {
-        for (const char* domain : {kDomain, kOtherDomain})
-            [defaults() removePersistentDomainForName:@(domain)];
-        [defaults() synchronize];
+        @autoreleasepool {
+            for (const char* domain : {kDomain, kOtherDomain})
+                [defaults() removePersistentDomainForName:@(domain)];
+            [defaults() synchronize];
+        }
     }
 
     bool isOwn = std::getenv(kSharedVariable) == nullptr;
@@ -51,14 +53,18 @@ std::unique_ptr<platform::Preferences> PreferencesWorld::open(const std::vector<
 }
 
 void PreferencesWorld::store(const PropertyListDictionary& values) {
-    [defaults() setPersistentDomain:objectFrom(values) forName:@(kDomain)];
-    [defaults() synchronize];
+    @autoreleasepool {
+        [defaults() setPersistentDomain:objectFrom(values) forName:@(kDomain)];
+        [defaults() synchronize];
+    }
 }
 
 PropertyListDictionary PreferencesWorld::stored(const std::string& domain) {
-    const auto list = valueFrom([defaults() persistentDomainForName:@(domain.c_str())]);
-    const auto* dictionary = list ? list->as<PropertyListDictionary>() : nullptr;
-    return dictionary == nullptr ? PropertyListDictionary{} : *dictionary;
+    @autoreleasepool {
+        const auto list = valueFrom([defaults() persistentDomainForName:@(domain.c_str())]);
+        const auto* dictionary = list ? list->as<PropertyListDictionary>() : nullptr;
+        return dictionary == nullptr ? PropertyListDictionary{} : *dictionary;
+    }
 }
 
 bool PreferencesWorld::storeForAllUsers(const PropertyListDictionary&) { return false; }
