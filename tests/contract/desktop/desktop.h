@@ -35,12 +35,12 @@ class MenuBarOnScreen {
     virtual ~MenuBarOnScreen() = default;
     [[nodiscard]] virtual platform::Menu& menu() = 0;
 
-    /// A row's title, as its user reads it, and what it does; a menu of the bar does nothing.
+    /// A row's title, as its user reads it, and what it does; one that opens a menu does nothing.
     struct Row {
         std::string title;
         std::string action;
     };
-    /// Every menu with its rows, separators left out.
+    /// Every menu and after it its rows, separators left out.
     [[nodiscard]] virtual std::vector<Row> rows() = 0;
 
     /// As a click on the row does; false when it is disabled or hidden.

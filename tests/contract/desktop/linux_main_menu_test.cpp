@@ -15,6 +15,12 @@ TEST_F(MainMenuOnGtk, beginsWithTheApplicationsOwnMenu) {
     EXPECT_EQ(rows[1].title, kUninstall);
 }
 
+TEST_F(MainMenuOnGtk, itsMenusHaveNoMenusInside) {
+    for (const auto& top : screen->menu().items())
+        for (const auto& item : top->submenu()->items())
+            EXPECT_EQ(item->submenu(), nullptr) << item->title();
+}
+
 TEST_F(MainMenuOnGtk, theBuiltInCommandsWork) {
     EXPECT_TRUE(screen->choose(kQuit));
     EXPECT_EQ(screen->quits, 1);

@@ -15,6 +15,9 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
     NSEventModifierFlagCommand = 1 << 20,
 };
 
+// There a value of NSEventType's own.
+static const NSEventType NSEventTypeApplicationDefined API_AVAILABLE(macos(10.12)) = NSApplicationDefined;
+
 typedef NSRect CGRect; // on macOS it is the other way round
 
 typedef NSString* NSWorkspaceLaunchConfigurationKey;
@@ -34,6 +37,7 @@ extern NSWorkspaceLaunchConfigurationKey const NSWorkspaceLaunchConfigurationArg
 @end
 
 @interface NSApplication (Additions)
+- (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy API_AVAILABLE(macos(10.6));
 @property(nullable, strong) NSMenu* helpMenu API_AVAILABLE(macos(10.6));
 @end
 

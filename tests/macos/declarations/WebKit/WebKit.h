@@ -77,7 +77,9 @@ API_AVAILABLE(macos(10.10))
 @property(nonatomic, readonly, copy) WKWebViewConfiguration* configuration;
 @property(nullable, nonatomic, weak) id<WKNavigationDelegate> navigationDelegate;
 @property(nullable, nonatomic, weak) id<WKUIDelegate> UIDelegate;
+@property(nullable, nonatomic, readonly, copy) NSString* title;
 @property(nullable, nonatomic, readonly, copy) NSURL* URL;
+@property(nonatomic, readonly, getter=isLoading) BOOL loading;
 @property(nonatomic) CGFloat magnification;
 @property(nonatomic) CGFloat pageZoom API_AVAILABLE(macos(11.0));
 - (instancetype)initWithFrame:(CGRect)frame
