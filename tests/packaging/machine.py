@@ -8,7 +8,7 @@ import subprocess
 import sys
 import unittest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e/world"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e/world/linux"))
 import private_root  # noqa: E402  (the world's own list of folders)
 
 # Shown through a layer that takes the changes, and as a copy: layers do not show what is mounted below a folder.

@@ -6,7 +6,8 @@ import subprocess
 from harness import places, screen, waiting
 from harness.case import (EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
-from harness.screen_reader import ENVIRONMENT, ScreenReader
+from harness.linux.screen_reader import ENVIRONMENT, ScreenReader
+from harness.system import linux_only
 
 JOIN_TITLE = "Ovra Tessel Lumora – Remote support"
 OFFLINE = [
@@ -44,6 +45,7 @@ def texts_of_language(code):
     return json.loads(source[source.index("= {") + 2:source.rindex("}") + 1])[code]
 
 
+@linux_only("it listens on the desktop's accessibility bus")
 class AccessibleCase(EndToEndCase):
     bare_page = False
 

@@ -6,8 +6,10 @@ import subprocess
 from harness import screen, waiting
 from harness.case import (EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
-from harness.desktop_portal import DesktopPortal
-from harness.screen_reader import ENVIRONMENT, ScreenReader
+from harness.linux.desktop import pixels
+from harness.linux.desktop_portal import DesktopPortal
+from harness.linux.screen_reader import ENVIRONMENT, ScreenReader
+from harness.system import linux_only
 
 NOT_CONFIGURED = {"DC": "com"}
 # Of the window's first rows, which the menu bar takes.
@@ -15,6 +17,7 @@ MENU_BAR_PIXELS = 5000
 DARK, LIGHT = 100, 180
 
 
+@linux_only("it is measured by the toolkit's themes and the screen reader's bus")
 class AppearanceCase(EndToEndCase):
     bare_page = False
 
@@ -30,7 +33,7 @@ class AppearanceCase(EndToEndCase):
 class Themes(AppearanceCase):
     def menu_bar(self):
         """How bright the menu bar is, from 0 to 255."""
-        seen = screen.pixels(self.window())
+        seen = pixels(self.window())
         return statistics.median(seen[:3 * MENU_BAR_PIXELS]) if seen else None
 
     def assert_theme(self, page, scheme):

@@ -2,9 +2,10 @@
 
 import plistlib
 
-from harness import agent, waiting
+from harness import agent, places, preferences, waiting
 from harness.case import (CHECK_PATH, TOKEN, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
+from harness.system import linux_only
 
 CHECK = "-[ApiHandler checkOvraTesselUpdateWithCompletion:]_block_invoke : "
 UPGRADER = "-[OvraAppUpgrader "
@@ -13,16 +14,14 @@ RESOLVED = "resolved via NSUserDefaults search list (managed/user/system): "
 
 
 class Preferences(EndToEndCase):
-    def write(self, content):
-        self.home.preferences.parent.mkdir(parents=True, exist_ok=True)
-        self.home.preferences.write_bytes(content)
-
+    @linux_only("files of preferences are the system's own affair")
     def test_malformed_file_is_as_good_as_none(self):
         good = plistlib.dumps({"DC": "eu", "pathForLumora": "other"})
         for content in (b"", b"\0" * 100, good[:-20], b"bplist00" + b"\xff" * 60, plistlib.dumps(["DC", "eu"]),
                         b"<plist><dict>" * 20000, b"{DC=eu;}garbage"):
             with self.subTest(content=content[:20]):
-                self.write(content)
+                self.home.preferences.parent.mkdir(parents=True, exist_ok=True)
+                self.home.preferences.write_bytes(content)
                 self.start()
                 self.assertEqual(self.data_centre.requests("/join")[-1]["host"], "com.ovratessel.example")
                 self.page.post("sendRRSessionDigestToNative", "kept")
@@ -30,30 +29,29 @@ class Preferences(EndToEndCase):
                 self.close()
 
     def test_preferences_configure_without_arguments(self):
-        self.write(plistlib.dumps({"DC": "eu", "pathForLumora": "join", "LumoraToken": TOKEN}, fmt=plistlib.FMT_BINARY))
+        preferences.write(self.home, {"DC": "eu", "pathForLumora": "join", "LumoraToken": TOKEN}, plistlib.FMT_BINARY)
         self.start({})
         page = self.data_centre.requests("/join")[0]
         self.assertEqual((page["host"], page["target"]), ("eu.ovratessel.example", f"/join?lumora_token={TOKEN}"))
 
     def test_argument_wins_over_preferences(self):
-        self.write(plistlib.dumps({"DC": "eu", "pathForLumora": "elsewhere", "LumoraToken": "other"}))
+        preferences.write(self.home, {"DC": "eu", "pathForLumora": "elsewhere", "LumoraToken": "other"})
         self.start()
         page = self.data_centre.requests("/join")[0]
         self.assertEqual((page["host"], page["target"]), ("com.ovratessel.example", f"/join?lumora_token={TOKEN}"))
 
     def test_values_of_other_types_are_read_as_text(self):
-        self.write(plistlib.dumps({"DC": 5, "LumoraToken": 17, "name": [1], "activeSessionKey": 123456789}))
+        preferences.write(self.home, {"DC": 5, "LumoraToken": 17, "name": [1], "activeSessionKey": 123456789})
         self.start({"pathForLumora": "join"}, wait_for_page=False)
         self.log.wait_for(f"+[Utils preferenceForKey:] : Key 'DC' {RESOLVED}5")
         self.log.wait_for(f"+[Utils preferenceForKey:] : Key 'LumoraToken' {RESOLVED}17")
         self.log.wait_for("+[Utils findWebserverNameWithDCName:]  Dc = 5 , WebServerName = 5.dev.ovratessel.example")
         self.application.wait_for_window()
 
+    @linux_only("the level of all users is the administrator's, who does not run the tests")
     def test_both_levels_get_the_configuration(self):
         self.start()
-        with open(self.home.preferences, "rb") as user, \
-                open("/Library/Preferences/com.ovra.tessel.OvraTesselLumora.plist", "rb") as system:
-            user, system = plistlib.load(user), plistlib.load(system)
+        user, system = preferences.read(self.home), plistlib.loads(places.MACHINE_PREFERENCES.read_bytes())
         for key, value in {"DC": "com", "pathForLumora": "join", "LumoraToken": TOKEN}.items():
             self.assertEqual((user[key], system[key]), (value, value))
 
@@ -94,6 +92,7 @@ class Answers(EndToEndCase):
 
 
 class Folders(EndToEndCase):
+    @linux_only("the home folder is the user's own")
     def test_unwritable_home_shows_the_page_and_joins_without_a_crash(self):
         self.read_only(self.home.path)
         self.start()

@@ -6,8 +6,10 @@ import pathlib
 import shutil
 
 from harness import agent, images
+from harness.linux import iso
 from harness.case import (IMAGE_PATH, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
+from harness.system import linux_only
 
 DOWNLOADER = "-[OvraDmgDownloader "
 START = DOWNLOADER + "startDownLoadingOvraMacDmg] : "
@@ -16,6 +18,8 @@ MOUNT = DOWNLOADER + "mountingOvraMacDmg] : dmg mount task termination status : 
 UNMOUNT = DOWNLOADER + "unMountingOvraMacDmg] : Dmg unmount task termination status : "
 COPY = DOWNLOADER + "copyAppFileAndLaunch] "
 LAUNCH = DOWNLOADER + "workspaceLaunchApplication:] : LaunchApplication: Ovra.app launched successfully with args : "
+
+forged = linux_only("there the system's own tool reads images, and no tool makes such ones")
 
 
 class Downloads(EndToEndCase):
@@ -138,36 +142,41 @@ class Downloads(EndToEndCase):
         self.join()
         self.assert_failed_mount()
 
+    @forged
     def test_path_that_climbs_out(self):
-        image = images.iso({"Ovra.app/Contents/Info.plist": b"x", "climbclimbclimb": b"#!/bin/sh\n"})
-        self.serve_image(images.renamed(image, "climbclimbclimb", "../../../../pwn"))
+        image = images.volume({"Ovra.app/Contents/Info.plist": b"x", "climbclimbclimb": b"#!/bin/sh\n"})
+        self.serve_image(iso.renamed(image, "climbclimbclimb", "../../../../pwn"))
         self.join()
         self.assert_failed_mount()
         for folder in (pathlib.Path("/"), pathlib.Path("/Volumes"), self.home.path, *self.home.path.parents):
             self.assertFalse(os.path.lexists(folder / "pwn"), folder)
 
+    @forged
     def test_link_that_leads_out_is_not_written_through(self):
         outside = self.home.path / "outside"
         outside.mkdir()
-        image = images.iso({"Ovra.app/Contents/Info.plist": b"x", "linklink": str(outside), "foldfold/planted": b"x"})
-        image = images.renamed(images.renamed(image, "linklink", "samesame"), "foldfold", "samesame")
+        image = images.volume({"Ovra.app/Contents/Info.plist": b"x", "linklink": str(outside), "foldfold/planted": b"x"})
+        image = iso.renamed(iso.renamed(image, "linklink", "samesame"), "foldfold", "samesame")
         self.serve_image(image)
         self.join()
         self.assert_failed_mount()
         self.assertEqual(list(outside.iterdir()), [])
 
+    @forged
     def test_absurd_size(self):
-        image = images.iso({"Ovra.app/Contents/Info.plist": b"x", "bigfile": b"x" * 100})
-        self.serve_image(images.with_size(image, "BIGFILE", 0xFFFFF000))
+        image = images.volume({"Ovra.app/Contents/Info.plist": b"x", "bigfile": b"x" * 100})
+        self.serve_image(iso.with_size(image, "BIGFILE", 0xFFFFF000))
         self.join()
         self.assert_failed_mount()
 
+    @forged
     def test_content_beyond_the_image(self):
-        image = images.iso({"Ovra.app/Contents/Info.plist": b"x", "bigfile": b"x" * 100})
-        self.serve_image(images.with_extent(image, "BIGFILE", 0x00FFFFFF))
+        image = images.volume({"Ovra.app/Contents/Info.plist": b"x", "bigfile": b"x" * 100})
+        self.serve_image(iso.with_extent(image, "BIGFILE", 0x00FFFFFF))
         self.join()
         self.assert_failed_mount()
 
+    @linux_only("the folder of the volumes is the system's alone")
     def test_volume_that_another_user_has_put_there(self):
         """Everybody writes the folder of the volumes: an agent that stands there may be anyone's."""
         volume = pathlib.Path("/Volumes/Ovra")
@@ -179,16 +188,17 @@ class Downloads(EndToEndCase):
             os.chown(volume, 4711, 4711)
         except OSError:
             self.skipTest("there is no other user in this world")
-        self.serve_image(images.iso({"Ovra.app/Contents/Info.plist": b"x"}))
+        self.serve_image(images.volume({"Ovra.app/Contents/Info.plist": b"x"}))
         self.join()
         self.wait_for_install(self.mark)
         self.assertTrue(planted.exists())
         shutil.rmtree(volume)
         self.assert_failed_mount()
 
+    @forged
     def test_volume_name_that_leads_out(self):
-        image = images.iso({"Ovra.app/Contents/Info.plist": b"x"}, volume="AAAAAAAA")
-        self.serve_image(images.renamed(image, "AAAAAAAA", "../../pw"))
+        image = images.volume({"Ovra.app/Contents/Info.plist": b"x"}, name="AAAAAAAA")
+        self.serve_image(iso.renamed(image, "AAAAAAAA", "../../pw"))
         self.join()
         self.assert_failed_mount()
         self.assertFalse(os.path.lexists("/pw"))

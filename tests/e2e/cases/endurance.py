@@ -8,9 +8,10 @@ brings the join page back. The registered run is as many rounds as fit into a mi
 
 import json
 import os
+import statistics
 import time
 
-from harness import places, usage, waiting
+from harness import places, processes, waiting
 from harness.case import (TOKEN, WEB_SERVER, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 
@@ -36,6 +37,10 @@ NOISE = {
 }
 
 
+def medians(samples):
+    return {name: statistics.median(sample[name] for sample in samples) for name in samples[0]}
+
+
 class Endurance(EndToEndCase):
     def fail_and_recover(self):
         self.begun = time.monotonic()
@@ -55,31 +60,28 @@ class Endurance(EndToEndCase):
         return sum(one["headers"].get("user-agent", "").startswith(PROBE_AGENT)
                    for one in self.data_centre.requests("/join"))
 
-    def kin(self, name):
-        return [pid for pid, comm in self.kept.items() if comm == name]
-
     def sample(self):
         """What the application holds, and its kin: the network process, which stays, and the number of all of them."""
-        self.kept = usage.descendants(self.application.pid)
-        (network,) = self.kin("WebKitNetworkPr")
+        helpers = processes.helpers_of(self.application)
+        network, = [pid for pid, name in helpers.items() if name == processes.NETWORK_PROCESS]
         return {
-            "application": usage.of(self.application.pid),
-            "network process": usage.of(network),
+            "application": processes.usage_of(self.application.pid),
+            "network process": processes.usage_of(network),
             "all": {
-                "processes": len(self.kept),
+                "processes": len(helpers),
                 "probes a second": self.probes() / (time.monotonic() - self.begun),
             },
         }
 
     def idle_wake_ups(self):
-        before = usage.wake_ups(self.application.pid)
+        before = processes.wake_ups(self.application.pid)
         time.sleep(IDLE_SECONDS)
-        return usage.wake_ups(self.application.pid) - before
+        return processes.wake_ups(self.application.pid) - before
 
     def assert_no_growth(self, samples):
         for part in samples[0]:
-            early = usage.medians([sample[part] for sample in samples[WARM_UP:WARM_UP + COMPARED]])
-            late = usage.medians([sample[part] for sample in samples[-COMPARED:]])
+            early = medians([sample[part] for sample in samples[WARM_UP:WARM_UP + COMPARED]])
+            late = medians([sample[part] for sample in samples[-COMPARED:]])
             print(f"{part}: rounds {WARM_UP}.. {early}, last {COMPARED} of {len(samples)} {late}")
             for name, value in late.items():
                 with self.subTest(f"{part}: {name}"):

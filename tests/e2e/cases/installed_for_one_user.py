@@ -6,9 +6,10 @@ import plistlib
 import shutil
 import subprocess
 
-from harness import agent, ordinary_user, places, waiting
+from harness import agent, places, waiting
 from harness.case import set_up_module, tear_down_module as tearDownModule  # noqa: F401
-from harness.ordinary_user import UID, OrdinaryUserCase
+from harness.linux import ordinary_user
+from harness.linux.ordinary_user import UID, OrdinaryUserCase
 
 RELEASE = places.BUILT_BUNDLE.parent / "package"
 MAKE_IMAGE = pathlib.Path(__file__).resolve().parents[3] / "packaging/linux/make-update-image"

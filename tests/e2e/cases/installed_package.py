@@ -10,9 +10,10 @@ import unittest.mock
 
 from cases import join
 from cases.uninstall import press
-from harness import agent, application, case, ordinary_user, places, polkit, waiting
+from harness import agent, application, case, places, waiting
+from harness.linux import ordinary_user, polkit
+from harness.linux.ordinary_user import UID
 from harness.log_file import Log
-from harness.ordinary_user import UID
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "packaging"))
 import machine  # noqa: E402  (the packages' tests' own)

@@ -4,9 +4,8 @@ import json
 import os
 import re
 import stat
-import subprocess
 
-from harness import agent, waiting
+from harness import agent, images, system, waiting
 from harness.case import (AGENT_VERSION, CHECK_PATH, EMAIL, IMAGE_PATH, KEY, TOKEN, WEB_SERVER, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 
@@ -17,11 +16,6 @@ DOWNLOADER = "-[OvraDmgDownloader "
 COPY = DOWNLOADER + "copyAppFileAndLaunch] "
 LAUNCH = (DOWNLOADER + "workspaceLaunchApplication:] : LaunchApplication: Ovra.app launched successfully with args : ")
 OWN_LINES = (BRIDGE, CHECK, UPGRADER, DOWNLOADER, "setupProxyDetails")
-
-
-def os_release():
-    text = open("/etc/os-release", encoding="utf-8").read()
-    return dict(line.replace('"', "").split("=", 1) for line in text.splitlines() if "=" in line)
 
 
 def tree(folder):
@@ -57,8 +51,7 @@ class Join(EndToEndCase):
         self.assertEqual(check["target"], f"{CHECK_PATH}?agent_version=0&agent=mac%2064")
         image, = self.data_centre.requests(IMAGE_PATH)
         self.assertEqual(image["host"], "cdn.ovratessel.example")
-        release = os_release()
-        self.assertEqual(image["headers"]["user-agent"], f"{release['NAME']} {release['VERSION_ID']}")
+        self.assertEqual(image["headers"]["user-agent"], " ".join(system.name_and_version()))
 
     def test_without_an_agent_writes_exactly_these_lines(self):
         self.start()
@@ -73,7 +66,7 @@ class Join(EndToEndCase):
         self.assertEqual(json.loads(answer)["AGENT"]["update_needed"], True)
         launch = next(line for line in lines if line.startswith(LAUNCH))
         self.assertEqual(json.loads(launch.removeprefix(LAUNCH)), agent.LAUNCH_ARGUMENTS)
-        release, details = os_release(), str(self.home.join_details)
+        (name, version), details = system.name_and_version(), str(self.home.join_details)
         unmount = DOWNLOADER + "unMountingOvraMacDmg] : Dmg unmount task termination status : "
         self.assertEqual(lines[:-1], [
             BRIDGE + f"Details Shared for Joining a session - email: {EMAIL}, sessionid: {KEY}",
@@ -86,8 +79,8 @@ class Join(EndToEndCase):
             UPGRADER + f"modifyOvraJoinDetails] : New ovrajoindetails.conf file has been created by Lumora in folder "
                        f"{details} ",
             DOWNLOADER + f"startDownLoadingOvraMacDmg] : Ovra Dmg Url : https://cdn.ovratessel.example{IMAGE_PATH}",
-            DOWNLOADER + f"startDownLoadingOvraMacDmg] : System version details {release['NAME']}",
-            DOWNLOADER + f"startDownLoadingOvraMacDmg] : System version : {release['VERSION_ID']}",
+            DOWNLOADER + f"startDownLoadingOvraMacDmg] : System version details {name}",
+            DOWNLOADER + f"startDownLoadingOvraMacDmg] : System version : {version}",
             DOWNLOADER + "startDownLoadingOvraMacDmg]_block_invoke : Download finished successfully",
             DOWNLOADER + "mountingOvraMacDmg] : dmg mount task termination status : 0",
             COPY + ": Ovra.app file copied",
@@ -108,8 +101,7 @@ class Join(EndToEndCase):
         self.install_agent()
 
         original = self.home.path / "image"
-        subprocess.run(["xorriso", "-osirrox", "on", "-indev", self.data_centre.agent_image, "-extract", "/", original],
-                       check=True, capture_output=True)
+        images.extract(self.data_centre.agent_image, original)
         for name in ["Ovra.app", "tools_mac"]:
             self.assertEqual(tree(self.home.agent_folder / name), tree(original / name))
         installed = tree(self.home.agent)
@@ -122,7 +114,7 @@ class Join(EndToEndCase):
     def test_agent_stands_on_its_own(self):
         self.install_agent()
         record, = agent.records(self.home)
-        self.assertEqual(record["session"], record["pid"])
+        self.assertTrue(agent.stands_alone(record), record)
         for name, target in record["streams"].items():
             self.assertNotIn("ovraLumora", target or "", f"stream {name} is the application's log")
         self.assertFalse({"GSK_RENDERER", "GDK_DEBUG"} & record["environment"].keys())

@@ -2,9 +2,8 @@
 
 import json
 import plistlib
-import subprocess
 
-from harness import agent, waiting
+from harness import agent, desktop, waiting
 from harness.case import (EMAIL, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 
@@ -37,13 +36,13 @@ class JoinPage(EndToEndCase):
 
     def test_typing_at_the_keyboard_joins(self):
         window, = self.application.windows()
-        subprocess.run(["wmctrl", "-i", "-a", window], check=True)
+        desktop.activate(window)
         for field, text in (("session-key", "1234567890"), ("join-email", EMAIL)):
             self.page.eval(f"document.getElementById('{field}').focus()")
-            subprocess.run(["xdotool", "type", "--delay", "60", text], check=True)
+            desktop.type_text(window, text)
             waiting.until(lambda: self.page.eval(
                 f"return document.getElementById('{field}').value.replaceAll(' ', '')") == text, f"{text} in its field")
-        subprocess.run(["xdotool", "key", "Return"], check=True)
+        desktop.press(window, "Return")
         self.wait_for_install()
         record, = agent.wait_for_records(self.home)
         self.assert_agent_was_given(record, self.assert_join_details(key=1234567890))

@@ -3,9 +3,10 @@
 import plistlib
 import re
 
-from harness import places
+from harness import places, preferences
 from harness.case import (CHECK_PATH as AGENT_CHECK_PATH, TOKEN, WEB_SERVER, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
+from harness.system import linux_only
 from harness.update_case import CHECK_PATH
 
 PREFERENCE = "WebKitOfflineWebApplicationCacheEnabled"
@@ -50,14 +51,6 @@ def main_thread_lines(folders):
 
 
 class Launch(EndToEndCase):
-    def stored(self, path=None):
-        with open(path or self.home.preferences, "rb") as file:
-            return plistlib.load(file)
-
-    def store(self, value):
-        self.home.preferences.parent.mkdir(parents=True, exist_ok=True)
-        self.home.preferences.write_bytes(plistlib.dumps({PREFERENCE: value, "kept": "as it is"}))
-
     def background_lines(self):
         """What the background block logs, first."""
         agent = f"{self.home.agent_folder}//Ovra.app"
@@ -133,17 +126,18 @@ class Launch(EndToEndCase):
     def test_the_preference_is_true_after_every_launch(self):
         self.start({"DC": "com"}, wait_for_page=False)
         self.wait_for_launch_checks()
-        self.assertIs(self.stored()[PREFERENCE], True)
+        self.assertIs(preferences.read(self.home)[PREFERENCE], True)
         for value in (False, 0, "NO", {"a": 1}):
             with self.subTest(value):
                 self.close()
-                self.store(value)
+                preferences.write(self.home, {PREFERENCE: value, "kept": "as it is"})
                 self.start({"DC": "com"}, wait_for_page=False)
                 self.wait_for_launch_checks()
-                stored = self.stored()
+                stored = preferences.read(self.home)
                 self.assertIs(stored[PREFERENCE], True)
                 self.assertEqual(stored["kept"], "as it is")
 
+    @linux_only("files of preferences are the system's own affair, those of managed ones too")
     def test_the_preference_is_true_over_a_damaged_file_and_other_levels(self):
         self.home.preferences.parent.mkdir(parents=True)
         self.home.preferences.write_bytes(b"no property list")
@@ -152,5 +146,5 @@ class Launch(EndToEndCase):
         managed.write_bytes(plistlib.dumps({PREFERENCE: False}))
         self.start({"DC": "com", PREFERENCE: "NO"}, wait_for_page=False)
         self.wait_for_launch_checks()
-        self.assertIs(self.stored()[PREFERENCE], True)
-        self.assertIs(self.stored(managed)[PREFERENCE], False)
+        self.assertIs(preferences.read(self.home)[PREFERENCE], True)
+        self.assertIs(plistlib.loads(managed.read_bytes())[PREFERENCE], False)

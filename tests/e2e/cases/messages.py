@@ -1,9 +1,8 @@
 """The page's 18 messages: what they answer, what they keep, and that no body harms."""
 
 import json
-import plistlib
 
-from harness import waiting
+from harness import preferences, waiting
 from harness.case import (EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 
@@ -57,8 +56,7 @@ class Messages(EndToEndCase):
         return self.lines_of(self.mark, "handleMessageFromWebView", "setupProxyDetails", "executeJavaScript")
 
     def preferences(self):
-        with open(self.home.preferences, "rb") as file:
-            return plistlib.load(file)
+        return preferences.read(self.home)
 
     def test_fresh_answers(self):
         self.assertEqual(self.page.ask("getRRSessionDigest", "receiveRRSessionDigest"), [""])
@@ -133,7 +131,7 @@ class Messages(EndToEndCase):
             self.page.post("sendLumoraTitleToNative", body)
         waiting.until(lambda: self.application.title() == "Ovra Tessel - Lumora", "the product's title")
         self.page.barrier()
-        self.assertFalse(self.home.preferences.exists() and "WindowTitle" in self.preferences())
+        self.assertNotIn("WindowTitle", self.preferences())
         self.page.post("sendLumoraTitleToNative", "stored")
         waiting.until(lambda: self.application.title() == "stored", "the stored title")
 
@@ -182,7 +180,7 @@ class BadBodies(EndToEndCase):
         self.before = self.stored()
 
     def stored(self):
-        return self.home.preferences.read_bytes() if self.home.preferences.exists() else None
+        return preferences.snapshot(self.home)
 
     def lines(self):
         return self.lines_of(self.mark, "handleMessageFromWebView", "setupProxyDetails", "executeJavaScript")

@@ -1,9 +1,8 @@
 """Where a page may go: the server's list of requests tells what was sent, and what was stopped before."""
 
-import subprocess
 import time
 
-from harness import screen, waiting
+from harness import desktop, link_handlers, waiting
 from harness.case import (TOKEN, WEB_SERVER, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 
@@ -75,15 +74,14 @@ class NavigationCase(EndToEndCase):
     def click(self):
         window, = self.application.windows()
         # A click on what has not been drawn yet goes nowhere.
-        waiting.until(lambda: screen.pixels(window), "the window's content")
-        subprocess.run(["wmctrl", "-i", "-a", window], check=True)
-        subprocess.run(["xdotool", "mousemove", "--window", window, "400", "400", "click", "1"], check=True)
+        waiting.until(lambda: desktop.is_drawn(window), "the window's content")
+        desktop.click(window, 400, 400)
 
     def press_return(self):
         window, = self.application.windows()
-        subprocess.run(["wmctrl", "-i", "-a", window], check=True)
+        desktop.activate(window)
         self.page.eval("document.querySelector('a, button').focus()")
-        subprocess.run(["xdotool", "key", "Return"], check=True)
+        desktop.press(window, "Return")
 
 
 class Guarded(NavigationCase):
@@ -235,28 +233,18 @@ class NewWindows(NavigationCase):
 
 class DeepLinks(NavigationCase):
     def register(self):
-        """A handler of the scheme, as an installed application registers one."""
-        self.opened = self.home.path / "opened"
-        script = self.home.path / "handler"
-        script.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$1\" >> '{self.opened}'\n", encoding="utf-8")
-        script.chmod(0o755)
-        folder = self.home.path / ".local/share/applications"
-        folder.mkdir(parents=True, exist_ok=True)
-        (folder / "joiner.desktop").write_text(
-            f"[Desktop Entry]\nType=Application\nName=Joiner\nExec={script} %u\n"
-            "MimeType=x-scheme-handler/ovrajoin;\n", encoding="utf-8")
-        (folder / "mimeapps.list").write_text("[Default Applications]\nx-scheme-handler/ovrajoin=joiner.desktop\n",
-                                              encoding="utf-8")
+        self.handler = link_handlers.Handler(self.home, "ovrajoin")
+        self.addCleanup(self.handler.remove)
 
     def handed_on(self):
-        return self.opened.read_text(encoding="utf-8").splitlines() if self.opened.exists() else []
+        return self.handler.opened()
 
     def test_link_is_handed_to_its_application(self):
         self.register()
         for body in (f'<a class="all" href="{DEEP_LINK}">join</a>',
                      f'<a class="all" target="_blank" href="{DEEP_LINK}">join</a>'):
             with self.subTest(body):
-                self.opened.unlink(missing_ok=True)
+                self.handler.forget()
                 self.open(body)
                 self.click()
                 waiting.until(self.handed_on, "the handler's start")

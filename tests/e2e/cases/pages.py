@@ -6,6 +6,7 @@ from harness import waiting
 from harness.application import Application
 from harness.case import (TOKEN, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
+from harness.system import linux_only
 
 NOT_CONFIGURED = ["viewDidLoad() : ################ Critical ################",
                   " webServerName is null or empty — Application is not configured correctly."]
@@ -50,6 +51,7 @@ class Pages(EndToEndCase):
         self.page.wait_until_loaded()
         self.assertEqual(self.data_centre.requests("/join")[-1]["target"], f"/join?lumora_token={TOKEN}")
 
+    @linux_only("the machine's own network is not taken down")
     def test_network_that_comes_back_shows_the_join_page(self):
         subprocess.run(["ip", "route", "del", "default"], check=True)
         restore = ["ip", "route", "replace", "default", "via", "10.87.0.2", "dev", "lumora0"]

@@ -6,7 +6,7 @@ import pathlib
 import shutil
 import subprocess
 
-from harness import bundles, places, waiting
+from harness import bundles, desktop, places, system, waiting
 from harness.case import (TOKEN, WEB_SERVER,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 from harness.update_case import (BANNER, BEGUN, CHECK_PATH, COPIED, COPY, DETACHED, DOWNLOAD, DOWNLOADED, IMAGE_PATH,
@@ -107,7 +107,7 @@ class Addresses(UpdateCase):
         image, = self.data_centre.requests(path)
         self.assertEqual(image["host"], host)
         # The platform's own, not the agent download's.
-        self.assertNotIn("Debian", image["headers"].get("user-agent", ""))
+        self.assertNotEqual(image["headers"].get("user-agent"), " ".join(system.name_and_version()))
         self.close_and_see(*swap_lines())
         self.assert_swapped()
 
@@ -151,6 +151,7 @@ class Places(UpdateCase):
 
     def setUp(self):
         self.bundle.parent.mkdir(exist_ok=True)
+        self.addCleanup(shutil.rmtree, self.bundle.parent)
         super().setUp()
         self.other = bundles.picture(places.BUNDLE)
 
@@ -216,7 +217,7 @@ class TwoProcesses(UpdateCase):
             self.home.staged_bundle.rename(aside)
             window = next(iter(self.application.wait_for_window()))
             mark = self.log.mark()
-            subprocess.run(["wmctrl", "-i", "-c", window], check=True)
+            desktop.request_close(window)
             self.log.wait_for(located(), mark)
             aside.rename(self.home.staged_bundle)
             self.assertEqual(bundles.picture(self.bundle), before)
@@ -228,6 +229,7 @@ class TwoProcesses(UpdateCase):
         self.assert_swapped()
 
 
+@system.linux_only("no other program can stand at the place of the system's own")
 class Permissions(UpdateCase):
     def chmod_is(self, script):
         """Another program stands at the permission tool's place, in this world only."""

@@ -2,10 +2,10 @@
 
 import os
 import shutil
-import subprocess
 
-from harness import bundles, images, places, waiting
+from harness import bundles, holding, images, places, waiting
 from harness.case import set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
+from harness.system import linux_only
 from harness.update_case import (BANNER, BEGUN, COPIED, COPY, DETACHED, DOWNLOAD, DOWNLOADED, IMAGE_PATH, IMAGE_URL,
                                  NOTHING_STAGED, SWAP, VERSION, VOLUME, UpdateCase, located, swap_lines)
 
@@ -34,29 +34,6 @@ class FailureCase(UpdateCase):
         self.assert_nothing_left_over()
 
 
-    def hold_mounted(self, path):
-        subprocess.run(["mount", "--bind", path, path], check=True)
-        pending = [True]
-
-        def undo():
-            if pending and pending.pop():
-                subprocess.run(["umount", "--lazy", path], check=True)
-        self.addCleanup(undo)
-        return undo
-
-    def hold_protected(self, path):
-        file = path / "Contents/Info.plist"
-        if subprocess.run(["chattr", "+i", file], check=False, capture_output=True).returncode != 0:
-            self.skipTest("no right to protect a file, or no file system that knows it")
-        pending = [True]
-
-        def undo():
-            if pending and pending.pop():
-                subprocess.run(["chattr", "-i", file], check=True)
-        self.addCleanup(undo)
-        return undo
-
-
 class Downloads(FailureCase):
     def assert_failed(self, reason, code):
         self.start_update()
@@ -75,6 +52,7 @@ class Downloads(FailureCase):
         self.data_centre.behave(IMAGE_PATH, truncate_at=4_000_000, reset=True)
         self.assert_failed("The network connection was lost.", -1005)
 
+    @linux_only("the system chooses the temporary folder itself")
     def test_temporary_folder_that_takes_nothing(self):
         self.start({"DC": "com"}, environment={"TMPDIR": "/proc"}, wait_for_page=False)
         error = self.log.wait_for_start(DOWNLOAD + "Download failed! Whole Error - ", self.started)
@@ -86,7 +64,7 @@ class Downloads(FailureCase):
         undo = self.read_only(self.home.support_folder)
         self.start_update()
         error = self.log.wait_for_start(DOWNLOAD + "Error copying file to destination - ", self.started)
-        self.assertIn("Error Domain=NSPOSIXErrorDomain Code=30 ", error)
+        self.assertIn(holding.READ_ONLY, error)
         self.assertEqual(len(self.begin_of_chain(IMAGE_URL)), 1)
         undo()
         self.assert_nothing_comes_of_it()
@@ -118,6 +96,7 @@ class Images(FailureCase):
         self.serve_image(whole[:len(whole) // 2])
         self.assert_not_mounted()
 
+    @linux_only("the folder of the volumes is the system's alone")
     def test_volume_that_another_user_has_put_there(self):
         """Everybody writes the folder of the volumes: what stands there under the image's name may be anyone's."""
         planted = VOLUME / BUNDLE_NAME / "Contents/Info.plist"
@@ -145,11 +124,11 @@ class Images(FailureCase):
         self.assert_nothing_comes_of_it()
 
     def test_volume_of_another_name(self):
-        self.serve_image(images.iso({f"{BUNDLE_NAME}/Contents/Info.plist": b"x"}, volume="Lumora Plug-in"))
+        self.serve_image(images.volume({f"{BUNDLE_NAME}/Contents/Info.plist": b"x"}, name="Lumora Plug-in"))
         self.assert_not_copied()
 
     def test_image_without_the_bundle(self):
-        self.serve_image(images.iso({"Read me.txt": b"x"}, volume="Lumora Plugin"))
+        self.serve_image(images.volume({"Read me.txt": b"x"}, name="Lumora Plugin"))
         self.assert_not_copied()
 
 
@@ -158,9 +137,9 @@ class Staging(FailureCase):
         self.stage()
         self.application.kill()
         staged = bundles.contents(self.home.staged_bundle)
-        for name, hold in (("mounted upon", self.hold_mounted), ("protected inside", self.hold_protected)):
+        for name, hold in holding.WAYS.items():
             with self.subTest(name):
-                undo = hold(self.home.staged_bundle)
+                undo = hold(self, self.home.staged_bundle)
                 self.start_update()
                 self.wait_for_chain()
                 self.assert_chain(DOWNLOADED, COPY + f"No Existing Updated Ovra Lumora Present in folder {self.folder}",
@@ -205,18 +184,17 @@ class Staging(FailureCase):
 class Swap(FailureCase):
     def test_target_that_cannot_be_removed(self):
         """Neither is half of it: a folder that is mounted upon could be emptied, but not removed."""
-        for name, hold in (("mounted upon", self.hold_mounted), ("protected inside", self.hold_protected),
-                           ("read-only", self.read_only)):
+        for name, hold in {**holding.WAYS, "read-only": holding.read_only}.items():
             with self.subTest(name):
                 self.stage()
-                undo = hold(self.bundle)
+                undo = hold(self, self.bundle)
                 mark = self.log.mark()
                 self.close()
                 lines = self.lines_of(mark, SWAP)
                 undo()
                 self.assertEqual(lines[:2] + lines[3:], [BEGUN, located(), BANNER])
                 start = (f"{SWAP}Failed to Remove Existing old Lumora app (1.0.0) in folder {self.bundle} Error:  "
-                         "Error Domain=NSPOSIXErrorDomain Code=")
+                         f"{holding.NOT_REMOVED}")
                 self.assertTrue(lines[2].startswith(start), lines[2])
                 self.assertEqual(bundles.contents(self.bundle), self.contents_before())
                 self.assertEqual(bundles.version(self.home.staged_bundle), VERSION)
@@ -226,14 +204,15 @@ class Swap(FailureCase):
 
     def test_staged_bundle_that_is_gone_meanwhile(self):
         self.stage()
-        subprocess.run(["rm", "-r", self.home.staged_bundle], check=True)
+        shutil.rmtree(self.home.staged_bundle)
         self.close_and_see(BEGUN, located(), f"{SWAP}There is No Updated Lumora App Present in {self.folder}", BANNER)
         self.assert_untouched()
 
     def test_copy_that_fails_leaves_nothing_at_the_place(self):
+        others = set(self.bundle.parent.iterdir()) - {self.bundle}
         self.stage()
         # A pipe cannot be copied: found only when the old bundle is gone.
-        subprocess.run(["mkfifo", self.home.staged_bundle / "Contents/pipe"], check=True)
+        os.mkfifo(self.home.staged_bundle / "Contents/pipe")
         self.close_and_see(BEGUN, located(), f"{SWAP}Failed to copy Updated Lumora app to folder {self.bundle}", BANNER)
         self.assertFalse(self.bundle.exists())
-        self.assertEqual([path.name for path in self.bundle.parent.iterdir()], [])
+        self.assertEqual(set(self.bundle.parent.iterdir()), others)

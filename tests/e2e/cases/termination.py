@@ -2,10 +2,10 @@
 
 import os
 import signal
-import subprocess
 
-from harness import bundles, waiting
+from harness import bundles, desktop, waiting
 from harness.case import set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
+from harness.system import linux_only
 from harness.update_case import BANNER, SWAP, UpdateCase, swap_lines
 
 
@@ -16,16 +16,6 @@ class Termination(UpdateCase):
         self.window = next(iter(self.application.wait_for_window()))
         self.before = bundles.picture(self.bundle)
         self.mark = self.log.mark()
-
-    def press(self, *keys):
-        subprocess.run(["wmctrl", "-i", "-a", self.window], check=True)
-        waiting.until(self.has_focus, "the window's focus")
-        for key in keys:
-            subprocess.run(["xdotool", "key", key], check=True)
-
-    def has_focus(self):
-        focus = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True, check=False).stdout
-        return focus.strip() == str(int(self.window, 16))
 
     def wait_for_end(self):
         waiting.until(lambda: not self.application.running(), "the end of the application")
@@ -47,26 +37,27 @@ class Termination(UpdateCase):
         self.assert_swapped()
 
     def test_closing_by_the_menus_key_swaps(self):
-        self.press("ctrl+w")
+        desktop.press(self.window, desktop.CLOSE_KEY)
         self.assert_swapped_once()
 
     def test_closing_twice_swaps_once(self):
         # The first keeps the application busy: both are sent before it can answer.
         os.kill(self.application.pid, signal.SIGSTOP)
         for _ in range(2):
-            subprocess.run(["wmctrl", "-i", "-c", self.window], check=True)
+            desktop.request_close(self.window)
         os.kill(self.application.pid, signal.SIGCONT)
         self.assert_swapped_once()
         self.assertEqual(self.log.lines().count(BANNER), 1)
 
     def test_quitting_by_key_swaps_nothing(self):
-        self.press("ctrl+q")
+        desktop.press(self.window, desktop.QUIT_KEY)
         self.assert_not_swapped()
 
     def test_quitting_from_the_menu_swaps_nothing(self):
-        self.press("alt+l", "q")
+        desktop.quit_by_menu(self.window)
         self.assert_not_swapped()
 
+    @linux_only("there the system itself ends a process that is sent one")
     def test_signals_that_ask_for_the_end_swap_nothing(self):
         for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
             with self.subTest(number.name):

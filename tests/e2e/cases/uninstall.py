@@ -6,9 +6,11 @@ import shutil
 import subprocess
 import unittest
 
-from harness import application, ordinary_user, places, polkit, waiting
+from harness import application, desktop, places, waiting
 from harness.case import EndToEndCase, set_up_module, tear_down_module as tearDownModule  # noqa: F401
-from harness.screen_reader import ENVIRONMENT, ScreenReader
+from harness.linux import ordinary_user, polkit
+from harness.linux.screen_reader import ENVIRONMENT, ScreenReader
+from harness.system import MACOS, linux_only
 
 TITLE = "Uninstall Ovra Tessel Lumora"
 NAME = "Ovra Tessel Lumora.app"
@@ -30,13 +32,15 @@ SWAP_BANNER = "+[Utils updateLumoraIfNeeded]"
 
 def setUpModule():
     set_up_module()
-    ordinary_user.add_account()
+    if not MACOS:
+        ordinary_user.add_account()
 
 
 def press(*keys):
     subprocess.run(["xdotool", "key", *keys], check=True)
 
 
+@linux_only("its alerts are read through the screen reader's bus, and the rights are polkit's")
 class UninstallCase(EndToEndCase):
     """Starts without an installation in either place; the application then runs from a third one."""
 
@@ -117,7 +121,7 @@ class UninstallCase(EndToEndCase):
         return window and any(node.name == TITLE and "focused" in node.states for node in window.find("menu item"))
 
     def keep_picture(self, name):
-        subprocess.run(["import", "-window", "root", str(places.ROOT / f"{name}.png")], check=True)
+        desktop.photograph(places.ROOT / f"{name}.png")
 
     def assert_goes_on(self):
         self.wait_for_no_alert()
@@ -284,7 +288,7 @@ class Refusal(UninstallCase):
         self.wait_for_no_alert()
         self.choose_uninstall()
         window, = self.application.windows()
-        subprocess.run(["wmctrl", "-i", "-c", window], check=True)
+        desktop.request_close(window)
         end.touch()
         self.wait_for_alert("Uninstall Failed", "over\n\nYou can run this manually for diagnostics:\n"
                                                 f"/bin/bash {self.temporary_script} --skip-kill")
@@ -323,12 +327,14 @@ class Refusal(UninstallCase):
         self.assertTrue((self.per_user / "Contents/Info.plist").exists())
 
 
-@unittest.skipIf(polkit.user_namespace(), "the world has no second user who could ask for an administrator's rights")
+@linux_only("the rights are polkit's")
 class Rights(ordinary_user.OrdinaryUserCase):
     """A user's process, not root's: polkit asks for an administrator."""
 
     @classmethod
     def setUpClass(cls):
+        if polkit.user_namespace():
+            raise unittest.SkipTest("the world has no second user who could ask for an administrator's rights")
         rights = polkit.Polkit()
         cls.addClassCleanup(rights.stop)
 

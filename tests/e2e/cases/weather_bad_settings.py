@@ -1,8 +1,8 @@
 """Settings that lead nowhere: the misconfiguration page, and no request for a page. Odd ones that lead somewhere do."""
 
-import plistlib
 import urllib.parse
 
+from harness import preferences
 from harness.case import set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
 from harness.weather import NO_TOKEN, PROBE_SECONDS, WeatherCase
 
@@ -55,8 +55,7 @@ class BadSettings(WeatherCase):
     def test_a_stored_title_that_is_no_string_harms_nothing(self):
         for title in (5, ["a"], {"a": "b"}):
             with self.subTest(title):
-                self.home.preferences.parent.mkdir(parents=True, exist_ok=True)
-                self.home.preferences.write_bytes(plistlib.dumps({"WindowTitle": title}))
+                preferences.write(self.home, {"WindowTitle": title})
                 self.start()
                 self.shows("join")
                 self.assertEqual(self.application.title(), "Ovra Tessel Lumora")

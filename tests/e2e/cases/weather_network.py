@@ -4,6 +4,7 @@ import subprocess
 
 from harness import waiting
 from harness.case import set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
+from harness.system import linux_only
 from harness.weather import (JOIN_URL, NET_TEST, PROBE_SECONDS, RESTORED, SILENT_PAGE, TEN_PROBES, WeatherCase, route)
 
 # A probe waits ten seconds for a path before it fails.
@@ -12,7 +13,10 @@ WAITING_PROBES = PATIENCE_SECONDS // PROBE_SECONDS
 DEFAULT_ROUTE = ("replace", "default", "via", "10.87.0.2", "dev", "lumora0")
 FAILED = NET_TEST + JOIN_URL
 
+network = linux_only("the machine's own network is not taken down")
 
+
+@network
 class Path(WeatherCase):
     join_page = SILENT_PAGE
 
@@ -37,6 +41,7 @@ class Path(WeatherCase):
         self.comes_back("default route removed", mark, [], restorations=2)
 
 
+@network
 class AtStart(WeatherCase):
     def down(self):
         """No address and so no route either."""

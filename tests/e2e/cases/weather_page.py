@@ -3,9 +3,9 @@
 import os
 import signal
 
-from harness import waiting
+from harness import processes, waiting
 from harness.case import set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
-from harness.weather import DID_FAIL, JOIN_URL, NET_TEST, PAGE, RESTORED, WeatherCase, web_processes
+from harness.weather import DID_FAIL, JOIN_URL, NET_TEST, PAGE, RESTORED, WeatherCase
 
 FAILED = NET_TEST + JOIN_URL
 DIED = [DID_FAIL + "The Web Content process was terminated.", FAILED]
@@ -19,7 +19,7 @@ class Crashes(WeatherCase):
 
     def living(self):
         """The process of the page that is shown: a picture of the window may still be the dead one's."""
-        return waiting.until(lambda: [one for one in web_processes() if one not in self._killed], "a web process")[0]
+        return waiting.until(lambda: [one for one in processes.web_processes(self.application) if one not in self._killed], "a web process")[0]
 
     def kill(self):
         pid = self.living()

@@ -11,7 +11,8 @@ import subprocess
 import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
-sys.path.insert(0, str(HERE.parent / "world"))
+sys.path[:0] = [str(HERE.parent / "world"), str(HERE.parent / "world/linux")]
+import hosts  # noqa: E402
 import inside  # noqa: E402
 import private_root  # noqa: E402
 import services  # noqa: E402
@@ -46,8 +47,8 @@ class Machine:
             if not path.exists():
                 path.mkdir()
                 path.chmod(0o1777)
-        with open("/etc/hosts", "a", encoding="utf-8") as hosts:
-            hosts.writelines(f"{ADDRESS} {name}\n" for name in private_root.host_names())
+        with open("/etc/hosts", "a", encoding="utf-8") as file:
+            file.writelines(f"{ADDRESS} {name}\n" for name in hosts.names())
 
     def restore(self):
         # Written into the files, not renamed over them: in a container they are often mounts of their own.

@@ -17,8 +17,8 @@ import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE.parent), str(HERE.parent / "world")]
-import private_root  # noqa: E402
-from harness import application, places  # noqa: E402
+import hosts  # noqa: E402
+from harness import application, desktop, machine, places  # noqa: E402
 from harness.agent import LAUNCH_ARGUMENTS, records  # noqa: E402
 from harness.data_centre import DataCentre  # noqa: E402
 from harness.page import Page  # noqa: E402
@@ -66,9 +66,9 @@ def drawn(window):
 class Demo:
     def __init__(self, auto):
         self.auto = auto
-        self.home = places.Home(pathlib.Path(places.ROOT / "home"))
+        home = places.ROOT / "home"
         # The agent's own default folder, seen from its home.
-        self.home.agent_records = self.home.library / "Logs/OvraTessel/Agent"
+        self.home = places.Home(home, home / "Library/Logs/OvraTessel/Agent", home.with_name("home.console.log"))
         self.picture = places.ROOT.parent / "demo-screenshot.png"
         self.started = None
         self.done = set()
@@ -138,7 +138,7 @@ class Demo:
         application.install()
         folder = places.ROOT / "data-centre"
         shutil.rmtree(folder, ignore_errors=True)
-        self.data_centre = DataCentre(folder, private_root.host_names())
+        self.data_centre = DataCentre(folder, hosts.names())
         self.data_centre.make_agent_image(AGENT_VERSION)
         self.data_centre.serve()
         self.page = Page(self.data_centre)
@@ -189,14 +189,14 @@ class Demo:
             found.append(f"the join details are {content!r}")
         if not record["join_details"]["well_formed"] or record["join_details"]["text"].encode() != content:
             found.append("the agent did not read these join details")
-        if self.home.image.exists() or places.volumes():
+        if self.home.image.exists() or machine.volumes():
             found.append("an image or a volume was left behind")
         return found
 
     def photograph(self, record):
         """The whole screen, with the agent's window beside the application's, once both are drawn."""
         deadline = time.monotonic() + 15
-        while not (agent_windows := application.windows_of(record["pid"])) and time.monotonic() < deadline:
+        while not (agent_windows := desktop.windows_of(record["pid"])) and time.monotonic() < deadline:
             time.sleep(0.05)
         for window in agent_windows:
             subprocess.run(["wmctrl", "-i", "-r", window, "-e", "0,800,540,-1,-1"], check=False)

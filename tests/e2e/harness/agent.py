@@ -2,7 +2,7 @@
 
 import json
 
-from harness import waiting
+from harness import system, waiting
 
 LAUNCH_ARGUMENTS = [
     "-timestamps",
@@ -24,3 +24,8 @@ def records(home):
 def wait_for_records(home, count=1):
     waiting.until(lambda: len(records(home)) >= count, f"{count} start(s) of the agent")
     return records(home)
+
+
+def stands_alone(record):
+    """Whether it was started apart from the application: in a session of its own, or by the system itself."""
+    return record["parent"] == 1 if system.MACOS else record["session"] == record["pid"]

@@ -1,12 +1,11 @@
 """The application under test: the built bundle as an installer leaves it, started like a user's."""
 
 import os
-import re
 import shutil
 import signal
 import subprocess
 
-from harness import places, waiting
+from harness import desktop, places, processes, waiting
 from harness.log_file import Log
 
 EXECUTABLE = "Contents/MacOS/Ovra Tessel Lumora"
@@ -15,13 +14,6 @@ EXECUTABLE = "Contents/MacOS/Ovra Tessel Lumora"
 def install(bundle=places.BUNDLE):
     shutil.rmtree(bundle, ignore_errors=True)
     shutil.copytree(places.BUILT_BUNDLE, bundle, symlinks=True)
-
-
-def windows_of(pid):
-    """Identifier and title of each window of a process."""
-    listed = subprocess.run(["wmctrl", "-l", "-p"], capture_output=True, text=True, check=False).stdout
-    found = [re.match(r"(0x\w+)\s+\S+\s+(\d+)\s+\S+(?:\s(.*))?$", line) for line in listed.splitlines()]
-    return {one[1]: one[3] or "" for one in found if one and int(one[2]) == pid}
 
 
 class Application:
@@ -35,16 +27,13 @@ class Application:
         self.home = home
         self.log = Log(home)
         self._output = open(home.console, "ab")
+        self.processes_of_others = processes.before_start()
         words = [word for key, value in arguments.items() for word in (f"-{key}", value)]
         self._process = subprocess.Popen(
-            [bundle / EXECUTABLE, *words], cwd="/", stdin=subprocess.DEVNULL, stdout=self._output, stderr=self._output,
-            env=os.environ | {
-                "HOME": str(home.path),
-                "XDG_DATA_HOME": str(home.path / ".local/share"),
-                "XDG_CONFIG_HOME": str(home.path / ".config"),
-                "XDG_CACHE_HOME": str(home.path / ".cache"),
-                "OVRA_AGENT_RECORD_DIR": str(home.agent_records),
-            } | ({} if agent_window else {"OVRA_AGENT_HEADLESS": "1"}) | (environment or {}))
+            [bundle / EXECUTABLE, *words, *desktop.ARGUMENTS], cwd="/", stdin=subprocess.DEVNULL,
+            stdout=self._output, stderr=self._output,
+            env=os.environ | desktop.environment(home) | {"OVRA_AGENT_RECORD_DIR": str(home.agent_records)}
+            | ({} if agent_window else {"OVRA_AGENT_HEADLESS": "1"}) | (environment or {}))
 
     @property
     def pid(self):
@@ -54,7 +43,7 @@ class Application:
         return self._process.poll() is None
 
     def windows(self):
-        return windows_of(self.pid)
+        return desktop.windows_of(self.pid)
 
     def wait_for_window(self):
         return waiting.until(self.windows, "the application's window")
@@ -65,7 +54,7 @@ class Application:
     def close(self):
         """Closes the window as a user does, and expects the process to end by itself, well."""
         for window in self.wait_for_window():
-            subprocess.run(["wmctrl", "-i", "-c", window], check=True)
+            desktop.request_close(window)
         waiting.until(lambda: not self.running(), "the end of the application after its window was closed")
         self._output.close()
         return self._process.returncode

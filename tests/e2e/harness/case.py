@@ -3,18 +3,17 @@
 import json
 import pathlib
 import shutil
-import subprocess
 import sys
 import unittest
 
-from harness import application, places, waiting
+from harness import application, desktop, holding, machine, places, waiting
 from harness.agent import LAUNCH_ARGUMENTS, wait_for_records
 from harness.data_centre import DataCentre
 from harness.log_file import Log
 from harness.page import Page
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "world"))
-import private_root  # noqa: E402  (the world's own list of hosts)
+import hosts  # noqa: E402  (the worlds' list)
 
 AGENT_VERSION = "1.4.2"
 KEY = 123456789
@@ -39,7 +38,7 @@ def set_up_module():
     application.install()
     folder = places.ROOT / "data-centre"
     shutil.rmtree(folder, ignore_errors=True)
-    _data_centre = DataCentre(folder, private_root.host_names())
+    _data_centre = DataCentre(folder, hosts.names())
     _data_centre.make_agent_image(AGENT_VERSION)
     _data_centre.serve()
 
@@ -47,14 +46,6 @@ def set_up_module():
 def tear_down_module():
     """A module's tearDownModule."""
     _data_centre.shut_down()
-
-
-def _empty(folder):
-    for entry in folder.iterdir():
-        if entry.is_dir() and not entry.is_symlink():
-            shutil.rmtree(entry)
-        else:
-            entry.unlink()
 
 
 class EndToEndCase(unittest.TestCase):
@@ -72,13 +63,9 @@ class EndToEndCase(unittest.TestCase):
             self.data_centre.page(BARE_PAGE)
         if self.data_centre.changed_image:
             self.data_centre.make_agent_image(AGENT_VERSION)
-        for folder in ("/Volumes", "/Library"):
-            _empty(pathlib.Path(folder))
-        path = places.ROOT / "homes" / self.id().removeprefix("cases.")
-        self.home = places.Home(path)
-        shutil.rmtree(path, ignore_errors=True)
-        shutil.rmtree(self.home.agent_records, ignore_errors=True)
-        path.mkdir(parents=True, mode=0o700)
+        machine.clear()
+        self.home = machine.fresh_home(self.id().removeprefix("cases."))
+        self.addCleanup(machine.end_agents, self.home)
         self.page = Page(self.data_centre)
         self.application = None
 
@@ -97,7 +84,7 @@ class EndToEndCase(unittest.TestCase):
 
     def keep_evidence(self):
         picture = self.home.console.with_suffix(".png")
-        subprocess.run(["import", "-window", "root", str(picture)], check=False)
+        desktop.photograph(picture)
         print(f"--- {picture}; the log's end:\n{self.application.log.tail()}\n---", file=sys.stderr)
 
     def start(self, arguments=None, environment=None, wait_for_page=True):
@@ -156,22 +143,12 @@ class EndToEndCase(unittest.TestCase):
         self.assertEqual(record["join_details"]["mode"], "0600")
 
     def assert_nothing_left_behind(self):
-        self.assertEqual(places.volumes(), [], "something is still mounted")
+        self.assertEqual(machine.volumes(), [], "something is still mounted")
         self.assertFalse(self.home.image.exists(), "the image is still there")
 
     def read_only(self, path):
         """Makes a file or folder unwritable, also for root, until the returned operation is called or the test ends."""
-        if not path.exists():
-            path.mkdir(parents=True)
-        subprocess.run(["mount", "--bind", path, path], check=True)
-        subprocess.run(["mount", "-o", "remount,bind,ro", path], check=True)
-        pending = [True]
-
-        def undo():
-            if pending and pending.pop():
-                subprocess.run(["umount", "--lazy", path], check=True)
-        self.addCleanup(undo)
-        return undo
+        return holding.read_only(self, path)
 
     def lines_of(self, mark, *starts):
         """The log lines since mark that begin with one of starts."""

@@ -7,9 +7,9 @@ import urllib.error
 import urllib.parse
 import urllib.request
 
-from harness import places
+from harness import machine, places
 
-ADDRESS = os.environ.get("LUMORA_SERVER_ADDRESS", "10.87.0.1") + ":443"
+ADDRESS = machine.LISTEN_ADDRESS + ":443"
 CONTROL = "127.0.0.1:8087"
 # A proxy variable of the caller's environment must not get between.
 _opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
@@ -23,17 +23,11 @@ class DataCentre:
         self.images.mkdir(parents=True, exist_ok=True)
         self._log = open(folder / "requests.log", "wb")
         self._command("authority", "--data", folder, *[word for host in hosts for word in ("--host", host)])
-        self.trust()
+        machine.trust(folder / "authority.pem")
         self._process = None
 
     def _command(self, *words):
         subprocess.run([places.DATACENTRE, *words], check=True, stdout=subprocess.DEVNULL, stderr=self._log)
-
-    def trust(self):
-        authority = (self._folder / "authority.pem").read_text(encoding="ascii")
-        if authority not in places.TRUST_STORE.read_text(encoding="utf-8"):
-            with open(places.TRUST_STORE, "a", encoding="ascii") as store:
-                store.write("\n" + authority)
 
     def make_agent_image(self, version):
         self.changed_image = False

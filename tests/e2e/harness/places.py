@@ -10,22 +10,18 @@ AGENT = pathlib.Path(os.environ["LUMORA_AGENT"])
 
 BUNDLE = pathlib.Path(os.environ.get("LUMORA_INSTALLED_BUNDLE", "/Applications/Ovra Tessel Lumora.app"))
 VOLUME = pathlib.Path("/Volumes/Ovra")
-TRUST_STORE = pathlib.Path("/etc/ssl/certs/ca-certificates.crt")
 DOMAIN = "com.ovra.tessel.OvraTesselLumora"
+MACHINE_PREFERENCES = pathlib.Path(f"/Library/Preferences/{DOMAIN}.plist")
 MANAGED_PREFERENCES = pathlib.Path(f"/Library/Managed Preferences/{DOMAIN}.plist")
 
 
-def volumes():
-    """What is mounted, or lies about where volumes are. The image tool keeps its own books in a hidden folder there."""
-    entries = list(pathlib.Path("/Volumes").iterdir())
-    books = [entry for entry in entries if entry.name.startswith(".attachments.")]
-    return [entry for entry in entries if entry not in books] + [record for book in books for record in book.iterdir()]
-
-
 class Home:
-    """The paths that the application uses below one user's home folder."""
+    """The paths that the application uses below one user's home folder, and those of a test's evidence.
 
-    def __init__(self, path):
+    The agent's records lie beside the home folder where that can be, so that they can be written when it cannot.
+    """
+
+    def __init__(self, path, agent_records, console):
         self.path = pathlib.Path(path)
         self.library = self.path / "Library"
         self.agent_folder = self.library / "Application Support/OvraVarloNative"
@@ -39,6 +35,5 @@ class Home:
         self.log = self.log_folder / "ovraLumora.log"
         self.connection_settings = self.library / "Logs/OvraTessel/ConnectionSettings.plist"
         self.preferences = self.library / f"Preferences/{DOMAIN}.plist"
-        # Beside the home folder, so that they can be written when it cannot.
-        self.agent_records = self.path.with_name(self.path.name + ".agent-records")
-        self.console = self.path.with_name(self.path.name + ".console.log")
+        self.agent_records = agent_records
+        self.console = console

@@ -1,8 +1,6 @@
 """What stands in the application's window, by colours that only one page has."""
 
-import subprocess
-
-from harness import waiting
+from harness import desktop, waiting
 
 JOIN_COLOUR = "#4b2e83"
 # The soft accents of the bundle's own pages, by colour scheme.
@@ -14,24 +12,14 @@ COLOURS = {
 ENOUGH_PIXELS = 1000
 
 
-def pixels(window):
-    """The window as red, green and blue bytes."""
-    shot = subprocess.run(["import", "-window", window, "-depth", "8", "rgb:-"], capture_output=True, check=False)
-    return shot.stdout
-
-
-def save(window, path):
-    subprocess.run(["import", "-window", window, str(path)], check=True)
-
-
 def page_of(application, scheme="light"):
     """Which page the window shows: offline, misconfiguration, join; None when it is none of them, or more than one."""
     windows = list(application.windows())
     if not windows:
         return None
-    seen = pixels(windows[0])
-    found = [page for page, colour in COLOURS[scheme].items()
-             if seen.count(bytes.fromhex(colour[1:])) >= ENOUGH_PIXELS]
+    pages = COLOURS[scheme]
+    counts = desktop.count_pixels(windows[0], list(pages.values()))
+    found = [page for page, count in zip(pages, counts) if count >= ENOUGH_PIXELS]
     return found[0] if len(found) == 1 else None
 
 

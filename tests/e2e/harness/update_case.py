@@ -4,7 +4,7 @@ import json
 import pathlib
 import tempfile
 
-from harness import application, bundles, places, waiting
+from harness import application, bundles, machine, places, waiting
 from harness.case import EndToEndCase
 
 VERSION = "9.9.9"
@@ -111,7 +111,7 @@ class UpdateCase(EndToEndCase):
     def assert_nothing_left_over(self):
         """No image, no volume, nothing half made, in any of the places that an update passes through."""
         self.assertFalse(self.home.update_image.exists())
-        self.assertEqual(places.volumes(), [])
+        self.assertEqual(machine.volumes(), [])
         self.assertEqual(sorted(path.name for path in self.home.support_folder.iterdir()
                                 if path != self.home.staged_bundle), [])
         self.assertEqual([path.name for path in self.bundle.parent.iterdir() if path.name.startswith(".lumora-")], [])

@@ -1,7 +1,6 @@
 """What the tests of the window in bad weather stand on: who asked for the join page, which page the window shows,
 which lines were logged; and the ways to lose the server and to have it back."""
 
-import pathlib
 import subprocess
 import time
 
@@ -174,16 +173,3 @@ class WeatherCase(EndToEndCase):
 
 def route(*words):
     subprocess.run(["ip", "route", *words], check=True)
-
-
-def web_processes():
-    """Those that have drawn text: the engine itself does not survive the death of one that is just being born."""
-    found = subprocess.run(["pgrep", "-x", "WebKitWebProces"], capture_output=True, text=True, check=False)
-    return [pid for pid in (int(word) for word in found.stdout.split()) if _has_mapped_a_font(pid)]
-
-
-def _has_mapped_a_font(pid):
-    try:
-        return "/fonts/" in pathlib.Path(f"/proc/{pid}/maps").read_text(encoding="utf-8", errors="replace")
-    except OSError:
-        return False

@@ -10,7 +10,7 @@ import unittest.mock
 
 from harness import application, case, places, waiting
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "world"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "world/linux"))
 import services  # noqa: E402  (the world's session bus)
 
 # A user of the world's own, unknown to the machine.
@@ -38,8 +38,7 @@ class OrdinaryUserCase(case.EndToEndCase):
         os.chown(FOLDER, UID, UID)
         os.chmod("/Library", 0o755)
         self.addCleanup(self._give_library_back)
-        self.home = places.Home(FOLDER / "home")
-        shutil.rmtree(self.home.agent_records, ignore_errors=True)
+        self.home = places.Home(FOLDER / "home", FOLDER / "home.agent-records", FOLDER / "home.console.log")
         self.as_user = functools.partial(subprocess.Popen, user=UID, group=UID, extra_groups=[])
         self._start_bus()
 

@@ -1,9 +1,11 @@
-"""What a process and those that it has started hold of the machine."""
+"""Processes by what the kernel tells of them."""
 
 import pathlib
-import statistics
+import subprocess
 
 PROC = pathlib.Path("/proc")
+# The kernel's short names.
+WEB_PROCESS, NETWORK_PROCESS = "WebKitWebProces", "WebKitNetworkPr"
 
 
 def _read(pid, name):
@@ -24,10 +26,15 @@ def _parents():
     return found
 
 
-def descendants(pid):
-    """The processes that this one started, and those that they started, by the kernel's short names."""
+def before_start():
+    """Nobody else's processes are in the world, and the application's own are its children."""
+    return set()
+
+
+def helpers_of(application):
+    """The processes that it started, and those that they started."""
     parents = _parents()
-    found = [pid]
+    found = [application.pid]
     for one in found:
         found += [child for child, parent in parents.items() if parent == one]
     return {one: _read(one, "comm").strip() for one in found[1:]}
@@ -43,8 +50,8 @@ def _links(pid):
     return links
 
 
-def of(pid):
-    """Numbers that must not grow. Memory is what the process alone has written to, in kB."""
+def usage_of(pid):
+    """Memory is what the process alone has written to, in kB."""
     links = _links(pid)
     memory = [line.split()[1] for line in _read(pid, "smaps_rollup").splitlines() if line.startswith("Private_Dirty:")]
     return {
@@ -57,10 +64,20 @@ def of(pid):
 
 
 def wake_ups(pid):
-    """How often the main thread has waited so far: more timers make it more often in the same time."""
+    """Of the main thread."""
     (line,) = [line for line in _read(pid, "status").splitlines() if line.startswith("voluntary_ctxt_switches")]
     return int(line.split()[1])
 
 
-def medians(samples):
-    return {name: statistics.median(sample[name] for sample in samples) for name in samples[0]}
+def _running(name):
+    found = subprocess.run(["pgrep", "-x", name], capture_output=True, text=True, check=False)
+    return [int(word) for word in found.stdout.split()]
+
+
+def web_processes(_):
+    """The engine itself does not survive the death of one that is just being born."""
+    return [pid for pid in _running(WEB_PROCESS) if "/fonts/" in _read(pid, "maps")]
+
+
+def image_tool_runs():
+    return bool(_running("hdiutil"))

@@ -4,13 +4,17 @@ import ctypes
 import os
 import pathlib
 import shutil
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1]))
+import hosts  # noqa: E402  (the worlds' list)
 
 MS_NOSUID, MS_NODEV, MS_NOEXEC = 2, 4, 8
 MS_BIND, MS_REC, MS_PRIVATE = 4096, 16384, 1 << 18
 MNT_DETACH = 2
 
 # The project and its private world must stay visible wherever they lie, also below a folder that is replaced.
-OURS = [pathlib.Path(__file__).resolve().parents[3]]
+OURS = [pathlib.Path(__file__).resolve().parents[4]]
 
 # Folders of the product's home that an installer makes, writable for the user who runs the application.
 PRODUCT_FOLDERS = ["Applications", "Library", "Volumes"]
@@ -23,7 +27,6 @@ SANDBOX_MARK = ".flatpak-info"
 # The machine's default handlers: an opened link must not start a browser that happens to be installed.
 PROGRAM_ENTRIES = ["usr/share/applications", "usr/local/share/applications"]
 
-HOSTS = pathlib.Path(__file__).resolve().parent / "hosts.txt"
 SERVER_ADDRESS = "10.87.0.1"
 
 _libc = ctypes.CDLL(None, use_errno=True)
@@ -62,16 +65,11 @@ def mirror_top_level(target, replaced):
             bind(entry.path, target / entry.name)
 
 
-def host_names():
-    lines = HOSTS.read_text(encoding="utf-8").splitlines()
-    return [line for line in lines if line and not line.startswith("#")]
-
-
 def configuration():
     """The files of /etc that the world has for itself."""
     # A machine's own resolver daemons are out of reach and would answer for the machine: files and plain DNS only.
     services = "passwd: files\ngroup: files\nshadow: files\nhosts: files dns\nservices: files\nprotocols: files\n"
-    addresses = "".join(f"{SERVER_ADDRESS} {name}\n" for name in host_names())
+    addresses = "".join(f"{SERVER_ADDRESS} {name}\n" for name in hosts.names())
     return {
         "hosts": f"127.0.0.1 localhost {os.uname().nodename}\n{addresses}",
         "nsswitch.conf": services,
