@@ -1,0 +1,331 @@
+"""The harness's ways on a Mac, among tools of the tests' own making."""
+
+import functools
+import json
+import os
+import pathlib
+import plistlib
+import signal
+import socket
+import subprocess
+import sys
+import threading
+import types
+import unittest
+from unittest import mock
+
+from decoyed_mac import WORLD, DecoyedMac
+
+sys.path[:0] = [str(WORLD.parent), str(WORLD)]
+MAC = DecoyedMac()
+ROOT = MAC.root / "run"
+os.environ |= {"PATH": str(MAC.bin), "HOME": str(MAC.home), "LUMORA_ROOT": str(ROOT),
+               "LUMORA_BUNDLE": str(ROOT / "Ovra Tessel Lumora.app"), "LUMORA_DATACENTRE": "/none",
+               "LUMORA_AGENT": "/none", "LUMORA_HAND": "/hand.dylib"}
+from macos import mac as macs  # noqa: E402
+
+macs.Mac = functools.partial(macs.Mac, MAC.root, MAC.home)
+from harness.macos import (desktop, holding, images, link_handlers, machine, preferences,  # noqa: E402
+                           processes)
+from macos.changes import Changes  # noqa: E402
+from macos.journal import Journal  # noqa: E402
+
+
+def tearDownModule():
+    MAC.close()
+
+
+class HarnessCase(unittest.TestCase):
+    def setUp(self):
+        MAC.calls_file.unlink(missing_ok=True)
+        self.volumes = mock.patch.object(machine, "VOLUMES", MAC.root / "Volumes")
+        self.volumes.start()
+        self.addCleanup(self.volumes.stop)
+        self.home = machine.fresh_home("cases.Test.test")
+
+
+class Homes(HarnessCase):
+    def test_a_fresh_one_has_nothing_of_the_test_before_and_all_that_is_the_users(self):
+        MAC.put("home/Documents/letter", "the user's")
+        for place in macs.Mac().product_places()[:-1]:
+            MAC.put(place.relative_to(MAC.root) / "file", "of the test before")
+        MAC.put("Applications/Ovra Tessel Lumora.app", "the application under test")
+        preferences.write(self.home, {"DC": "eu"})
+        home = machine.fresh_home("cases.Test.next")
+        self.assertEqual([place for place in macs.Mac().product_places() if place.exists()],
+                         [MAC.root / "Applications/Ovra Tessel Lumora.app"])
+        self.assertEqual(preferences.read(home), {})
+        self.assertEqual((MAC.home / "Documents/letter").read_text(), "the user's")
+        self.assertEqual(home.path, MAC.home)
+
+    def test_its_evidence_outlives_it_and_its_agents_do_not(self):
+        sleeper = subprocess.Popen(["sleep", "60"])
+        self.home.log.parent.mkdir(parents=True)
+        self.home.log.write_text("a line")
+        self.home.agent_records.mkdir(parents=True)
+        (self.home.agent_records / "agent-1.json").write_text(json.dumps({"time": "1", "pid": sleeper.pid}))
+        machine.end_agents(self.home)
+        self.assertEqual(sleeper.wait(timeout=30), -signal.SIGKILL)
+        machine.fresh_home("cases.Test.next")
+        kept = ROOT / "homes/cases.Test.test/Library/Logs/OvraTessel/OvraLumora/ovraLumora.log"
+        self.assertEqual(kept.read_text(), "a line")
+
+    def test_volumes_of_the_product_are_detached_and_no_other(self):
+        for name in ("Ovra", "Ovra 1", "Lumora Plugin", "Macintosh HD"):
+            (MAC.root / "Volumes" / name).mkdir()
+        self.assertEqual(len(machine.volumes()), 3)
+        machine.clear()
+        self.assertEqual([path.name for path in (MAC.root / "Volumes").iterdir()], ["Macintosh HD"])
+
+
+class Preferences(HarnessCase):
+    def test_are_written_and_read_through_the_service(self):
+        self.assertEqual(preferences.read(self.home), {})
+        values = {"DC": "com", "authRequired": True, "port": 3128, "name": "Zoë", "list": [1, {"a": b"b"}]}
+        preferences.write(self.home, values, plistlib.FMT_BINARY)
+        self.assertEqual(preferences.read(self.home), values)
+        before = preferences.snapshot(self.home)
+        preferences.write(self.home, {"DC": "com"})
+        self.assertEqual(preferences.read(self.home), {"DC": "com"})
+        self.assertNotEqual(preferences.snapshot(self.home), before)
+
+
+class Trust(HarnessCase):
+    KEYCHAIN = MAC.root / "keychain"
+
+    def setUp(self):
+        super().setUp()
+        self.certificate = MAC.root / "authority.pem"
+        self.certificate.write_text("-----BEGIN CERTIFICATE-----\nAAAA\n-----END CERTIFICATE-----\n")
+        self.digest = "29E2DCFBB16F63BB0254DF7585A15BB6FB5E927D"  # of three bytes of nought
+        self.before = self.KEYCHAIN.read_text()
+
+    def take_back(self):
+        mac = macs.Mac()
+        return Changes(mac, Journal(mac.state)).undo_all()
+
+    def test_an_authority_is_trusted_and_taken_back_by_the_world(self):
+        machine.trust(self.certificate)
+        self.assertIn(self.digest, self.KEYCHAIN.read_text())
+        added = MAC.calls("security")[0]
+        self.assertEqual(added[:6], ["add-trusted-cert", "-d", "-r", "trustRoot", "-k",
+                                     str(MAC.root / "Library/Keychains/System.keychain")])
+        self.certificate.unlink()  # the world has a copy of its own
+        self.assertEqual(self.take_back(), [])
+        self.assertEqual(self.KEYCHAIN.read_text(), self.before)
+        self.assertIn("remove-trusted-cert", [words[0] for words in MAC.calls("security")])
+
+    def test_the_right_to_trust_without_a_question_is_granted_for_as_long_as_needed(self):
+        (MAC.root / "trust-asks").touch()
+        self.addCleanup((MAC.root / "trust-asks").unlink)
+        machine.trust(self.certificate)
+        self.assertIn(self.digest, self.KEYCHAIN.read_text())
+        self.assertEqual(self.take_back(), [])
+        self.assertEqual((MAC.root / "right-put-back").read_text(), "the right as it was\n")
+        self.assertFalse((MAC.root / "right").exists())
+        self.assertEqual(self.KEYCHAIN.read_text(), self.before)
+
+    def test_one_that_cannot_be_trusted_is_told(self):
+        (MAC.root / "trust-fails").touch()
+        self.addCleanup((MAC.root / "trust-fails").unlink)
+        with self.assertRaisesRegex(macs.ToolFailed, "SecTrustSettingsSetTrustSettings: no"):
+            machine.trust(self.certificate)
+        self.assertEqual(self.take_back(), [])
+
+    def test_one_that_stays_is_told_and_tried_again(self):
+        machine.trust(self.certificate)
+        locked = MAC.root / "keychain-is-locked"
+        locked.touch()
+        reason, = self.take_back()
+        self.assertIn(self.digest, reason)
+        locked.unlink()
+        self.assertEqual(self.take_back(), [])
+        self.assertEqual(self.KEYCHAIN.read_text(), self.before)
+
+
+class Holding(HarnessCase):
+    def test_is_undone_once_by_the_test_or_by_its_end(self):
+        cleanups = []
+        case = types.SimpleNamespace(addCleanup=cleanups.append)
+        folder = MAC.root / "run/held"
+        undo = holding.read_only(case, folder)
+        self.assertTrue(folder.is_dir())
+        self.assertTrue((MAC.root / "run/held.held").exists())
+        undo()
+        self.assertFalse((MAC.root / "run/held.held").exists())
+        cleanups[0]()
+        self.assertEqual(MAC.calls("chflags")[-2:], [["uchg", str(folder)], ["nouchg", str(folder)]])
+
+    def test_of_a_bundle_holds_a_file_in_it(self):
+        MAC.put("A.app", "a bundle")
+        holding.protected_inside(self, MAC.root / "A.app")
+        self.assertEqual(MAC.calls("chflags")[-1], ["uchg", str(MAC.root / "A.app/Contents/Info.plist")])
+
+
+class Images(HarnessCase):
+    def test_of_a_volume_hold_what_they_are_made_of(self):
+        image = ROOT / "image.dmg"
+        image.write_bytes(images.volume({"Ovra.app/Contents/Info.plist": b"x", "link": "Ovra.app"}, "Lumora Plug-in"))
+        created, = MAC.calls("hdiutil")
+        self.assertEqual(created[created.index("-volname") + 1], "Lumora Plug-in")
+        images.extract(image, ROOT / "extracted")
+        self.assertEqual((ROOT / "extracted/Ovra.app/Contents/Info.plist").read_bytes(), b"x")
+        self.assertEqual(os.readlink(ROOT / "extracted/link"), "Ovra.app")
+        self.assertEqual([words[0] for words in MAC.calls("hdiutil")], ["create", "attach", "detach"])
+
+
+class LinkHandlers(HarnessCase):
+    def test_are_applications_of_the_scheme_and_signed_as_they_are(self):
+        MAC.add_tool("osacompile", 'mkdir -p "$2/Contents"; cp "$3" "$2/Contents/script"; '
+                                   'echo \'<plist version="1.0"><dict><key>CFBundleExecutable</key>'
+                                   '<string>applet</string></dict></plist>\' > "$2/Contents/Info.plist"')
+        MAC.add_tool("codesign", f'cp "${{@: -1}}/Contents/Info.plist" "{ROOT}/signed"')
+        MAC.add_tool("lsregister", "true")
+        with mock.patch.object(link_handlers, "REGISTER", str(MAC.bin / "lsregister")):
+            handler = link_handlers.Handler(self.home, "ovrajoin")
+            (command, bundle), = MAC.calls("lsregister")
+            self.assertEqual(command, "-f")
+            told = plistlib.loads((ROOT / "signed").read_bytes())
+            self.assertEqual(told["CFBundleURLTypes"][0]["CFBundleURLSchemes"], ["ovrajoin"])
+            self.assertEqual(told["CFBundleExecutable"], "applet")
+            opened = pathlib.Path(bundle).parent / "opened"
+            self.assertIn(f'"{opened}"', pathlib.Path(bundle, "Contents/script").read_text())
+            self.assertEqual(handler.opened(), [])
+            opened.write_text("ovrajoin://a\novrajoin://b\novr")
+            self.assertEqual(handler.opened(), ["ovrajoin://a", "ovrajoin://b"])
+            handler.remove()
+        self.assertEqual(MAC.calls("lsregister")[-1], ["-u", bundle])
+        self.assertFalse(pathlib.Path(bundle).parent.exists())
+
+
+class Processes(HarnessCase):
+    LIST = ("  501 /System/Library/Frameworks/WebKit.framework/XPCServices/com.apple.WebKit.WebContent.xpc/Contents/MacOS/"
+            "com.apple.WebKit.WebContent\n"
+            "   62 /usr/sbin/cfprefsd\n")
+    MORE = LIST + ("  733 /System/x/com.apple.WebKit.Networking\n  734 /System/x/com.apple.WebKit.WebContent\n"
+                   "  735 /usr/bin/hdiutil\n")
+
+    def show(self, text):
+        (MAC.root / "processes").write_text(text)
+        self.addCleanup((MAC.root / "processes").unlink, missing_ok=True)
+
+    def test_of_the_engine_are_the_applications_that_came_after_its_start(self):
+        self.show(self.LIST)
+        application = types.SimpleNamespace(pid=700, processes_of_others=processes.before_start())
+        self.show(self.MORE)
+        self.assertEqual(processes.helpers_of(application), {733: processes.NETWORK_PROCESS, 734: processes.WEB_PROCESS})
+        self.assertEqual(processes.web_processes(application), [734])
+
+    def test_the_image_tool_is_seen_while_it_runs(self):
+        MAC.add_tool("ps", 'sed "s/^ *[0-9]* //" "$MAC/processes"')
+        self.addCleanup(MAC.add_tool, "ps", 'cat "$MAC/processes" 2>/dev/null || true')
+        self.show(self.LIST)
+        self.assertFalse(processes.image_tool_runs())
+        self.show(self.MORE)
+        self.assertTrue(processes.image_tool_runs())
+
+    def test_what_they_hold_is_counted(self):
+        MAC.add_tool("lsof", r"printf 'p700\nfcwd\ntDIR\nf3\ntREG\nf4\ntIPv4\nf5\ntunix\n'")
+        MAC.add_tool("ps", r"""case "$1" in -M) printf 'USER PID\nkim 700\n    700\n' ;; -o) echo ' 81920' ;; esac""")
+        self.addCleanup(MAC.add_tool, "ps", 'cat "$MAC/processes" 2>/dev/null || true')
+        MAC.add_tool("top", r"printf 'Processes: 300 total\n\nCSW   \n12345+\n'")
+        self.assertEqual(processes.usage_of(700), {"descriptors": 4, "sockets": 2, "threads": 2, "memory": 81920})
+        self.assertEqual(processes.wake_ups(700), 12345)
+
+
+class Hand:
+    """Answers as the hand in the application does, and keeps what it was asked."""
+
+    def __init__(self, answer):
+        self.asked = []
+        self._answer = answer
+        self._server = socket.create_server(f"{desktop.SOCKETS}.4242", family=socket.AF_UNIX)
+        self._thread = threading.Thread(target=self._serve)
+        self._thread.start()
+
+    def _serve(self):
+        while True:
+            connection, _ = self._server.accept()
+            with connection, connection.makefile("rb") as lines:
+                line = lines.readline()
+                if not line:
+                    return
+                self.asked.append(json.loads(line))
+                try:
+                    connection.sendall(json.dumps(self._answer).encode())
+                except OSError:  # nobody waits for it
+                    pass
+
+    def stop(self):
+        with socket.socket(socket.AF_UNIX) as last:
+            last.connect(f"{desktop.SOCKETS}.4242")
+        self._thread.join()
+        self._server.close()
+
+
+class Desktop(HarnessCase):
+    def setUp(self):
+        super().setUp()
+        sockets = mock.patch.object(desktop, "SOCKETS", str(MAC.root / "hand"))
+        sockets.start()
+        self.addCleanup(sockets.stop)
+
+    def hand(self, **answer):
+        hand = Hand(answer)
+        self.addCleanup((MAC.root / "hand.4242").unlink)
+        self.addCleanup(hand.stop)
+        return hand
+
+    def test_the_application_takes_the_hand_and_no_other_language(self):
+        given = desktop.environment(self.home)
+        self.assertEqual(given["DYLD_INSERT_LIBRARIES"], "/hand.dylib")
+        self.assertEqual(given["HOME"], str(MAC.home))
+        self.assertIn("(en)", desktop.ARGUMENTS)
+
+    def test_windows_have_their_titles(self):
+        self.hand(windows=[{"number": 7, "title": "Hilfe für Zoë"}])
+        self.assertEqual(desktop.windows_of(4242), {"4242:7": "Hilfe für Zoë"})
+
+    def test_without_a_hand_there_is_no_window_and_nothing_to_press(self):
+        self.assertEqual(desktop.windows_of(4242), {})
+        with self.assertRaises(AssertionError):
+            desktop.press("4242:7", "Return")
+
+    def test_keys_are_pressed_one_by_one(self):
+        hand = self.hand(done=True)
+        desktop.press("4242:7", desktop.CLOSE_KEY, "Return")
+        desktop.type_text("4242:7", "a+")
+        self.assertEqual(hand.asked, [{"do": "press", "window": 7, "key": "w", "command": True},
+                                      {"do": "press", "window": 7, "key": "\r", "command": False},
+                                      {"do": "press", "window": 7, "key": "a", "command": False},
+                                      {"do": "press", "window": 7, "key": "+", "command": False}])
+
+    def test_what_the_hand_cannot_do_fails_the_test(self):
+        self.hand(error="no such window")
+        with self.assertRaisesRegex(AssertionError, "no such window"):
+            desktop.click("4242:7", 400, 400)
+
+    def test_colours_are_counted_in_one_look(self):
+        hand = self.hand(pixels=800000, counts=[1200, 0])
+        self.assertEqual(desktop.count_pixels("4242:7", ["#4b2e83", "#e2f0f0"]), [1200, 0])
+        self.assertEqual(hand.asked[0]["colours"], [[0x4b, 0x2e, 0x83], [0xe2, 0xf0, 0xf0]])
+        self.assertTrue(desktop.is_drawn("4242:7"))
+
+    def test_a_close_is_asked_for_and_not_waited_for(self):
+        server = socket.create_server(str(MAC.root / "hand.4242"), family=socket.AF_UNIX)
+        self.addCleanup((MAC.root / "hand.4242").unlink)
+        self.addCleanup(server.close)
+        desktop.request_close("4242:7")
+        desktop.request_close("4242:7")
+        for _ in range(2):
+            connection, _ = server.accept()
+            with connection:
+                self.assertEqual(json.loads(connection.recv(1000)), {"do": "close", "window": 7})
+
+    def test_the_screen_is_photographed(self):
+        desktop.photograph(ROOT / "picture.png")
+        self.assertEqual(MAC.calls("screencapture"), [["-x", str(ROOT / "picture.png")]])
+
+
+if __name__ == "__main__":
+    unittest.main()

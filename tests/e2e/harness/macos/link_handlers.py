@@ -1,0 +1,45 @@
+"""A small application that the system's script compiler makes; it writes down each link that it is given."""
+
+import pathlib
+import plistlib
+import shutil
+import subprocess
+import tempfile
+
+REGISTER = ("/System/Library/Frameworks/CoreServices.framework/Frameworks/LaunchServices.framework/Support/lsregister")
+SCRIPT = """on open location link
+    do shell script "printf '%s\\\\n' " & quoted form of link & " >> " & quoted form of "{opened}"
+end open location
+"""
+
+
+class Handler:
+    def __init__(self, _, scheme):
+        self._folder = pathlib.Path(tempfile.mkdtemp(prefix="lumora-handler-"))
+        self._opened = self._folder / "opened"
+        self._bundle = self._folder / "Lumora Link Handler.app"
+        source = self._folder / "handler.applescript"
+        source.write_text(SCRIPT.format(opened=self._opened), encoding="utf-8")
+        subprocess.run(["osacompile", "-o", self._bundle, source], check=True)
+        information = self._bundle / "Contents/Info.plist"
+        told = plistlib.loads(information.read_bytes())
+        information.write_bytes(plistlib.dumps(told | {
+            "CFBundleIdentifier": f"com.ovra.tessel.endtoend.handler.{scheme}",
+            "CFBundleURLTypes": [{"CFBundleURLName": scheme, "CFBundleURLSchemes": [scheme]}],
+            "LSUIElement": True,
+        }))
+        # Its signature covers the property list.
+        subprocess.run(["codesign", "--force", "--sign", "-", self._bundle], check=True)
+        subprocess.run([REGISTER, "-f", self._bundle], check=True)
+
+    def opened(self):
+        """Whole lines only: the last one may be on its way."""
+        text = self._opened.read_text(encoding="utf-8") if self._opened.exists() else ""
+        return text.split("\n")[:-1]
+
+    def forget(self):
+        self._opened.unlink(missing_ok=True)
+
+    def remove(self):
+        subprocess.run([REGISTER, "-u", self._bundle], check=False)
+        shutil.rmtree(self._folder)

@@ -1,0 +1,64 @@
+"""The user's own Mac: the world has moved what the product may find or leave there out of the way."""
+
+import contextlib
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+
+from harness import agent, places
+from harness.macos.world import changes, mac
+from macos.in_place import ADDRESS as SERVER_ADDRESS, LISTEN as LISTEN_ADDRESS  # noqa: F401
+
+VOLUMES = pathlib.Path("/Volumes")
+# Those of the product's images; a second one of a name gets a number behind it.
+NAMES = ("Ovra", "Lumora Plugin")
+
+
+def _places():
+    """Those in the home folder: the application itself stays installed."""
+    return [path for path in mac.product_places() if mac.home in path.parents]
+
+
+def fresh_home(name):
+    """The real one, for the system knows no other: what the test before has left there goes to its evidence."""
+    folder = places.ROOT / "homes"
+    folder.mkdir(parents=True, exist_ok=True)
+    home = places.Home(mac.home, mac.home / "Library/Logs/OvraTessel/Agent", folder / f"{name}.console.log")
+    shutil.rmtree(folder / name, ignore_errors=True)
+    for path in _places():
+        if path.exists() or path.is_symlink():
+            shutil.rmtree(path) if path.is_dir() and not path.is_symlink() else path.unlink()
+    mac.store(places.DOMAIN, {}, privileged=False)
+    home.console.unlink(missing_ok=True)
+    return home
+
+
+def clear():
+    for volume in volumes():
+        subprocess.run(["hdiutil", "detach", "-force", "-quiet", volume], check=False)
+    mac.store(mac.machine_domain, {}, privileged=True)
+
+
+def volumes():
+    return [entry for entry in VOLUMES.iterdir() if entry.name.startswith(NAMES)]
+
+
+def trust(certificate):
+    """Recorded like every change to the machine; the world takes it back."""
+    changes.trust(certificate)
+
+
+def end_agents(home):
+    """Each has a window, which waits for a person. What the test leaves is kept for one to look at."""
+    for record in agent.records(home):
+        with contextlib.suppress(ProcessLookupError):
+            os.kill(record["pid"], signal.SIGKILL)
+    evidence = home.console.with_name(home.console.name.removesuffix(".console.log"))
+    for path in (home.log_folder, home.agent_folder, home.agent_records, home.connection_settings):
+        if path.is_dir():
+            shutil.copytree(path, evidence / path.relative_to(home.path), symlinks=True, dirs_exist_ok=True)
+        elif path.exists():
+            (evidence / path.relative_to(home.path)).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copyfile(path, evidence / path.relative_to(home.path))

@@ -1,0 +1,135 @@
+"""The world on a Mac: there are no private ones, so the machine itself is arranged, and restored at the end.
+
+The tests and the application run as the user at the screen. Only the few changes to the machine go through sudo.
+"""
+
+import os
+import signal
+import subprocess
+import sys
+
+import hosts
+
+from .changes import Changes
+from .journal import Journal
+from .mac import DOMAIN, Mac, ToolFailed
+
+REFUSED = 77
+CONSENT = "LUMORA_E2E_IN_PLACE"
+ADDRESS = "127.0.0.1"
+# An ordinary user may listen on a low port of all addresses only.
+LISTEN = "0.0.0.0"
+# Asked again before it forgets: the way back needs it.
+SUDO_REMEMBERS_SECONDS = 60
+GRACE_SECONDS = 5
+SIGNALS = (signal.SIGTERM, signal.SIGINT, signal.SIGHUP)
+
+
+def refusal(mac, consent_needed=True):
+    """Why the machine is left alone, or None."""
+    if consent_needed and os.environ.get(CONSENT) != "1":
+        return f"there are no private worlds on macOS; {CONSENT}=1 allows to change this Mac and to restore it at the end"
+    if os.geteuid() == 0 and mac.root.parent == mac.root:
+        return "to be run by the user at the screen, not by root"
+    if not mac.has_window_server():
+        return "this session has no window server: run it in a terminal on the Mac's screen"
+    if not mac.has_rights():
+        return "sudo asks for a password here: give it once with \"sudo -v\", or use an account that needs none"
+    if mac.managed_preferences.exists():
+        return f"this Mac is managed: {mac.managed_preferences} would configure the application under test"
+    running = mac.product_processes()
+    if running:
+        return f"{next(iter(running.values()))} is running here: quit it first"
+    if not mac.may_install():
+        return f"{mac.root / 'Applications'} is not this user's to install into"
+    return None
+
+
+def environment(mac, root):
+    """The user's own; what the shell happens to hold must not change what is seen."""
+    kept = {name: value for name, value in os.environ.items()
+            if name in ("PATH", "TERM", "TZ", "USER", "LOGNAME", "TMPDIR", "__CF_USER_TEXT_ENCODING")
+            or name.startswith(("LUMORA_", "ASAN_", "TSAN_", "UBSAN_"))}
+    return kept | {"HOME": str(mac.home), "LANG": "en_US.UTF-8", "PYTHONDONTWRITEBYTECODE": "1",
+                   "LUMORA_WORLD": str(root)}
+
+
+def arrange(mac, changes):
+    for path in mac.product_places():
+        changes.move_aside(path)
+    changes.set_preferences_aside(DOMAIN, privileged=False)
+    changes.set_preferences_aside(mac.machine_domain, privileged=True)
+    changes.add_hosts(ADDRESS, hosts.names())
+
+
+def restore(changes):
+    """Whether all is as it was. Not to be interrupted."""
+    before = {number: signal.signal(number, signal.SIG_IGN) for number in SIGNALS}
+    reasons = changes.undo_all()
+    for reason in reasons:
+        print(f"world: not restored: {reason}", file=sys.stderr)
+    for number, handler in before.items():
+        signal.signal(number, handler)
+    return not reasons
+
+
+def stop(number, _):
+    sys.exit(128 + number)
+
+
+def run(command, world, lock, mac):
+    """The command holds the lock too: whatever becomes of this process, nobody restores under the tests' feet."""
+    child = subprocess.Popen(command, env=world, pass_fds=[lock], preexec_fn=os.setpgrp)
+    try:
+        status = wait(child, mac)
+    finally:
+        end_group(child)
+        mac.end_product_processes()  # the system has started some of them, apart from the command
+    return 128 - status if status < 0 else status
+
+
+def wait(child, mac):
+    while True:
+        try:
+            return child.wait(timeout=SUDO_REMEMBERS_SECONDS)
+        except subprocess.TimeoutExpired:
+            mac.has_rights()
+
+
+def end_group(child):
+    """All that the command has started and left behind."""
+    for number in (signal.SIGTERM, signal.SIGKILL):
+        try:
+            os.killpg(child.pid, number)
+            child.wait(timeout=GRACE_SECONDS)
+        except (ProcessLookupError, PermissionError):  # nobody is left
+            return
+        except subprocess.TimeoutExpired:
+            continue
+
+
+def enter(wanted, mac=None):
+    mac = mac or Mac()
+    reason = refusal(mac, consent_needed=not wanted.restore)
+    if reason:
+        print(f"world: {reason}", file=sys.stderr)
+        return REFUSED
+    journal = Journal(mac.state)
+    changes = Changes(mac, journal)
+    lock = journal.lock()
+    if not restore(changes):  # what a run that was killed has left
+        return 1
+    if wanted.restore:
+        return 0
+    for number in SIGNALS:
+        signal.signal(number, stop)
+    wanted.root.mkdir(parents=True, exist_ok=True)
+    status = 1
+    try:
+        arrange(mac, changes)
+        status = run(wanted.command, environment(mac, wanted.root), lock, mac)
+    except ToolFailed as error:
+        print(f"world: {error}", file=sys.stderr)
+    finally:
+        restored = restore(changes)
+    return status if restored else status or 1

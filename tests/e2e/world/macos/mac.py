@@ -1,0 +1,101 @@
+"""A Mac as the world finds it: where its files are, how its tools are called."""
+
+import os
+import pathlib
+import plistlib
+import subprocess
+
+DOMAIN = "com.ovra.tessel.OvraTesselLumora"
+BUNDLE_NAME = "Ovra Tessel Lumora.app"
+KEYCHAIN = "Library/Keychains/System.keychain"
+
+
+class ToolFailed(Exception):
+    """A tool of the system did not do what it was asked for; its own words say why."""
+
+
+class Mac:
+    """root and home are others than the machine's own in the world's own tests only."""
+
+    def __init__(self, root=pathlib.Path("/"), home=None):
+        self.root = root
+        self.home = home or pathlib.Path.home()
+        self.hosts = root / "etc/hosts"
+        self.keychain = root / KEYCHAIN
+        self.machine_domain = str(root / "Library/Preferences" / DOMAIN)
+        self.managed_preferences = root / f"Library/Managed Preferences/{DOMAIN}.plist"
+        # In the user's own folder: a build folder may be removed while it holds what is to be put back.
+        self.state = self.home / "Library/Application Support/Lumora end-to-end tests"
+
+    def product_places(self):
+        """Where the product puts anything, for this user and for all, its preferences left out."""
+        library = self.home / "Library"
+        mine = [library / "Application Support/OvraVarloNative", library / "Application Support/OvraLumoraNativeFolder",
+                library / "Logs/OvraTessel", library / f"Caches/{DOMAIN}", library / f"WebKit/{DOMAIN}",
+                library / f"HTTPStorages/{DOMAIN}", library / f"HTTPStorages/{DOMAIN}.binarycookies",
+                library / f"Cookies/{DOMAIN}.binarycookies",
+                library / f"Saved Application State/{DOMAIN}.savedState", self.home / "Applications" / BUNDLE_NAME]
+        return [*mine, self.root / "Applications" / BUNDLE_NAME]
+
+    @staticmethod
+    def run(*words, stdin=None, check=True):
+        """The tool's output. stdin: bytes that it reads."""
+        command = [str(word) for word in words]
+        try:
+            done = subprocess.run(command, input=stdin if stdin is not None else b"", capture_output=True, check=False)
+        except OSError as error:
+            raise ToolFailed(f"{command[0]}: {error.strerror}") from error
+        if check and done.returncode != 0:
+            told = (done.stderr or done.stdout).decode(errors="replace").strip().splitlines()
+            raise ToolFailed(f"{' '.join(command)}: {told[-1] if told else done.returncode}")
+        return done.stdout
+
+    def run_as_root(self, *words, **more):
+        """Never asks for a password: nobody is there to give it."""
+        return self.run("sudo", "-n", *words, **more)
+
+    def has_rights(self):
+        try:
+            self.run_as_root("true")
+        except ToolFailed:
+            return False
+        return True
+
+    def has_window_server(self):
+        """An ssh session or a daemon's has none, whoever's it is."""
+        try:
+            return self.run("launchctl", "managername").decode().strip() == "Aqua"
+        except ToolFailed:
+            return False
+
+    def may_install(self):
+        return os.access(self.root / "Applications", os.W_OK)
+
+    # --- processes
+
+    def product_processes(self):
+        """Those that run from one of the product's places, by number; with their programs' paths."""
+        places = [f"{path}/" for path in self.product_places()]
+        found = {}
+        for line in self.run("ps", "-axo", "pid=,comm=").decode(errors="replace").splitlines():
+            number, _, program = line.strip().partition(" ")
+            if program.strip().startswith(tuple(places)):
+                found[int(number)] = program.strip()
+        return found
+
+    def end_product_processes(self):
+        for number in self.product_processes():
+            self.run("kill", "-9", number, check=False)
+
+    # --- preferences, through the service that keeps them: it would not notice a changed file
+
+    def exported(self, domain, privileged):
+        run = self.run_as_root if privileged else self.run
+        return plistlib.loads(run("defaults", "export", domain, "-"))
+
+    def store(self, domain, values, privileged):
+        """Instead of whatever is stored there."""
+        run = self.run_as_root if privileged else self.run
+        run("defaults", "delete", domain, check=False)
+        if values:
+            run("defaults", "import", domain, "-", stdin=plistlib.dumps(values))
