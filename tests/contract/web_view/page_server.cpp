@@ -52,7 +52,8 @@ PageServer::Answer PageServer::answerTo(const std::string& path) {
 }
 
 void PageServer::answer(Connection& connection, const std::string& head) {
-    const std::string html = "Content-Type: text/html; charset=utf-8\r\n";
+    // Not kept by anyone: the host's loads take from a cache what they find there.
+    const std::string html = "Content-Type: text/html; charset=utf-8\r\nCache-Control: no-store\r\n";
     const Answer answer = answerTo(pathOf(head));
     switch (answer.kind) {
     case Answer::Kind::missing:
