@@ -1,9 +1,8 @@
-#include <gtest/gtest.h>
+#include "support/another_process.h"
 
 void neverRelease();
 
 int main(int argc, char** argv) {
     neverRelease();
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    return lumora::contract::runContract(argc, argv);
 }

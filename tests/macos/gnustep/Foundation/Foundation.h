@@ -1,6 +1,7 @@
 // This system's Foundation with what it lacks of what the sources that run here use.
 #pragma once
 
+#include <CoreFoundation/CoreFoundation.h>
 #include_next <Foundation/Foundation.h>
 
 // Marks of translatable texts, of which the C++ library has variables of the same name.

@@ -1,0 +1,3 @@
+#pragma once
+
+#include "../../declarations/os/availability.h"
