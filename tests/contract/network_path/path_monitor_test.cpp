@@ -1,25 +1,29 @@
-#include "platform/linux/gui/gio_path_monitors.h"
-#include "view_test.h"
+#include "network_world.h"
+#include "running_loop.h"
 
-#include <gio/gio.h>
+#include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
 
 namespace lumora::contract {
 
-using namespace platform::linux_backend;
+using namespace std::chrono_literals;
 using platform::PathStatus;
 
 class NetworkPaths : public ::testing::Test {
   protected:
-    GioPathMonitors monitors;
-
-    /// The system tells that something about the network has changed.
-    static void announceChange() {
-        GNetworkMonitor* system = g_network_monitor_get_default();
-        g_signal_emit_by_name(system, "network-changed", g_network_monitor_get_network_available(system));
+    [[nodiscard]] bool runUntil(const RunningLoop::Condition& condition) {
+        return running_->runUntil(condition, 20s);
     }
+    void runFor(std::chrono::milliseconds time) {
+        static_cast<void>(running_->runUntil([] { return false; }, time));
+    }
+
+    std::unique_ptr<platform::PathMonitors> monitors_ = makePathMonitors();
+
+  private:
+    std::unique_ptr<RunningLoop> running_ = makeRunningLoop(); // by which some systems tell of changes
 };
 
 TEST_F(NetworkPaths, theFirstUpdateComesRightAfterTheStartOnABackgroundThread) {
@@ -27,7 +31,7 @@ TEST_F(NetworkPaths, theFirstUpdateComesRightAfterTheStartOnABackgroundThread) {
     std::atomic<bool> onMain = false;
     std::atomic<bool> satisfied = false;
     const auto main = std::this_thread::get_id();
-    const auto monitor = monitors.makePathMonitor();
+    const auto monitor = monitors_->makePathMonitor();
     monitor->setUpdateHandler([&](PathStatus status) {
         onMain = std::this_thread::get_id() == main;
         satisfied = status == PathStatus::satisfied;
@@ -37,22 +41,24 @@ TEST_F(NetworkPaths, theFirstUpdateComesRightAfterTheStartOnABackgroundThread) {
     monitor->start();
     ASSERT_TRUE(runUntil([&] { return updates >= 1; }));
     EXPECT_FALSE(onMain);
-    EXPECT_EQ(satisfied, g_network_monitor_get_network_available(g_network_monitor_get_default()) != FALSE);
+    EXPECT_EQ(satisfied, hasNetworkPath());
 }
 
 TEST_F(NetworkPaths, everyChangeIsAnUpdate) {
     std::atomic<int> updates = 0;
-    const auto monitor = monitors.makePathMonitor();
+    const auto monitor = monitors_->makePathMonitor();
     monitor->setUpdateHandler([&](PathStatus) { ++updates; });
     monitor->start();
     ASSERT_TRUE(runUntil([&] { return updates == 1; }));
-    announceChange();
-    EXPECT_TRUE(runUntil([&] { return updates == 2; }));
+    const int before = updates;
+    if (!announceChange())
+        GTEST_SKIP() << "no test changes this machine's network";
+    EXPECT_TRUE(runUntil([&] { return updates > before; }));
 }
 
 TEST_F(NetworkPaths, aSecondStartBringsNoUpdate) {
     std::atomic<int> updates = 0;
-    const auto monitor = monitors.makePathMonitor();
+    const auto monitor = monitors_->makePathMonitor();
     monitor->setUpdateHandler([&](PathStatus) { ++updates; });
     monitor->start();
     monitor->start();
@@ -64,24 +70,36 @@ TEST_F(NetworkPaths, aSecondStartBringsNoUpdate) {
 TEST_F(NetworkPaths, aReplacedHandlerIsToldOfLaterUpdates) {
     std::atomic<int> first = 0;
     std::atomic<int> second = 0;
-    const auto monitor = monitors.makePathMonitor();
+    const auto monitor = monitors_->makePathMonitor();
     monitor->setUpdateHandler([&](PathStatus) { ++first; });
     monitor->start();
     ASSERT_TRUE(runUntil([&] { return first == 1; }));
     monitor->setUpdateHandler([&](PathStatus) { ++second; });
-    announceChange();
+    if (!announceChange())
+        GTEST_SKIP() << "no test changes this machine's network";
     ASSERT_TRUE(runUntil([&] { return second == 1; }));
     EXPECT_EQ(first, 1);
 }
 
+TEST_F(NetworkPaths, ofTwoHandlersOnlyTheLaterIsTold) {
+    std::atomic<int> first = 0;
+    std::atomic<int> second = 0;
+    const auto monitor = monitors_->makePathMonitor();
+    monitor->setUpdateHandler([&](PathStatus) { ++first; });
+    monitor->setUpdateHandler([&](PathStatus) { ++second; });
+    monitor->start();
+    ASSERT_TRUE(runUntil([&] { return second >= 1; }));
+    EXPECT_EQ(first, 0);
+}
+
 TEST_F(NetworkPaths, aCancelledMonitorIsSilentAndStaysSo) {
     std::atomic<int> updates = 0;
-    const auto monitor = monitors.makePathMonitor();
+    const auto monitor = monitors_->makePathMonitor();
     monitor->setUpdateHandler([&](PathStatus) { ++updates; });
     monitor->start();
     ASSERT_TRUE(runUntil([&] { return updates == 1; }));
     monitor->cancel();
-    announceChange();
+    static_cast<void>(announceChange());
     monitor->start();
     runFor(200ms);
     EXPECT_EQ(updates, 1);
@@ -89,8 +107,8 @@ TEST_F(NetworkPaths, aCancelledMonitorIsSilentAndStaysSo) {
 
 TEST_F(NetworkPaths, aNewMonitorAfterACancelledOneStartsAfresh) {
     std::atomic<int> updates = 0;
-    monitors.makePathMonitor()->cancel();
-    const auto monitor = monitors.makePathMonitor();
+    monitors_->makePathMonitor()->cancel();
+    const auto monitor = monitors_->makePathMonitor();
     monitor->setUpdateHandler([&](PathStatus) { ++updates; });
     monitor->start();
     EXPECT_TRUE(runUntil([&] { return updates == 1; }));
