@@ -10,8 +10,8 @@ using fakes::exceptionLine;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-const std::string kOperation = "-[OvraDmgDownloader startDownLoadingOvraMacDmg]";
-const std::string kBlock = kOperation + "_block_invoke";
+const std::string kAgentDownload = "-[OvraDmgDownloader startDownLoadingOvraMacDmg]";
+const std::string kAgentDownloadBlock = kAgentDownload + "_block_invoke";
 
 class AgentDownload : public AgentTest {
   protected:
@@ -50,9 +50,9 @@ TEST_F(AgentDownload, comesFromTheDeliveryNetworkExactlyAsStored) {
     EXPECT_FALSE(task.invalidated);
     EXPECT_THAT(
         streams.logged(),
-        ElementsAre(kOperation + " : Ovra Dmg Url : https://anywhere.example:8443/x/OvraMac.dmg?a=%20b#c",
-                    kOperation + " : System version details macOS",
-                    kOperation + " : System version : 13.2.1"));
+        ElementsAre(kAgentDownload + " : Ovra Dmg Url : https://anywhere.example:8443/x/OvraMac.dmg?a=%20b#c",
+                    kAgentDownload + " : System version details macOS",
+                    kAgentDownload + " : System version : 13.2.1"));
 }
 
 TEST_F(AgentDownload, comesFromTheWebServerWithoutASchemeOtherwise) {
@@ -62,7 +62,7 @@ TEST_F(AgentDownload, comesFromTheWebServerWithoutASchemeOtherwise) {
 
     EXPECT_EQ(http.tasks.at(0).request.url, "com.ovratessel.example/agent/OvraMac.dmg");
     EXPECT_EQ(streams.logged().at(0),
-              kOperation + " : Ovra Dmg Url : com.ovratessel.example/agent/OvraMac.dmg");
+              kAgentDownload + " : Ovra Dmg Url : com.ovratessel.example/agent/OvraMac.dmg");
 }
 
 TEST_F(AgentDownload, makesNoAddressOfAMalformedOrAbsentOne) {
@@ -73,7 +73,7 @@ TEST_F(AgentDownload, makesNoAddressOfAMalformedOrAbsentOne) {
         session.setCdnUrl(address);
         downloader->startDownLoadingOvraMacDmg();
         EXPECT_EQ(http.tasks.back().request.url, std::nullopt);
-        EXPECT_EQ(streams.logged().at(0), kOperation + " : Ovra Dmg Url : (null)");
+        EXPECT_EQ(streams.logged().at(0), kAgentDownload + " : Ovra Dmg Url : (null)");
     }
 }
 
@@ -85,9 +85,9 @@ TEST_F(AgentDownload, namesAnUnknownSystemByTwoNullPlaceholders) {
     EXPECT_THAT(http.tasks.at(0).request.headers,
                 ElementsAre(std::pair<std::string, std::string>("User-Agent", "(null) (null)")));
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kOperation + " : Ovra Dmg Url : com.ovratessel.example/agent/OvraMac.dmg",
-                            kOperation + " : System version details (null)",
-                            kOperation + " : System version : (null)"));
+                ElementsAre(kAgentDownload + " : Ovra Dmg Url : com.ovratessel.example/agent/OvraMac.dmg",
+                            kAgentDownload + " : System version details (null)",
+                            kAgentDownload + " : System version : (null)"));
 }
 
 TEST_F(AgentDownload, logsAFailureToStart) {
@@ -95,7 +95,7 @@ TEST_F(AgentDownload, logsAFailureToStart) {
 
     downloader->startDownLoadingOvraMacDmg();
 
-    EXPECT_EQ(streams.logged().back(), exceptionLine(kOperation, "no session"));
+    EXPECT_EQ(streams.logged().back(), exceptionLine(kAgentDownload, "no session"));
     EXPECT_THAT(distributed.posts, IsEmpty());
 }
 
@@ -106,10 +106,10 @@ TEST_F(AgentDownload, reportsAFailureAndAsksForARetry) {
         0, {"NSURLErrorDomain", -1002, "unsupported URL", "com.ovratessel.example/agent/OvraMac.dmg"});
 
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kBlock + " : Download failed! Error - unsupported URL "
-                                     "com.ovratessel.example/agent/OvraMac.dmg",
-                            kBlock + " : Download failed! Whole Error - Error "
-                                     "Domain=NSURLErrorDomain Code=-1002 \"unsupported URL\""));
+                ElementsAre(kAgentDownloadBlock + " : Download failed! Error - unsupported URL "
+                                                  "com.ovratessel.example/agent/OvraMac.dmg",
+                            kAgentDownloadBlock + " : Download failed! Whole Error - Error "
+                                                  "Domain=NSURLErrorDomain Code=-1002 \"unsupported URL\""));
     EXPECT_THAT(retries, ElementsAre(downloader.get()));
     EXPECT_THAT(tasks.runs, IsEmpty());
     EXPECT_THAT(files.journal, IsEmpty());
@@ -121,16 +121,16 @@ TEST_F(AgentDownload, reportsAFailureWithoutAnAddress) {
 
     http.failDownload(0, {"NSURLErrorDomain", -1000, "bad URL", {}});
 
-    EXPECT_EQ(streams.logged().at(0), kBlock + " : Download failed! Error - bad URL (null)");
+    EXPECT_EQ(streams.logged().at(0), kAgentDownloadBlock + " : Download failed! Error - bad URL (null)");
 }
 
 TEST_F(AgentDownload, takesThePlaceOfAnOlderImageAndIsMounted) {
-    files.putFile(kImage, "older image");
+    files.putFile(kAgentImage, "older image");
     files.putFile("/tmp/download", "image");
     std::string mounted;
     tasks.onRun = [&](const auto& run, platform::TaskOutput) {
         if (run.at(1) == "mount")
-            mounted = files.file(kImage)->contents;
+            mounted = files.file(kAgentImage)->contents;
         return platform::TaskResult{};
     };
     start();
@@ -138,21 +138,22 @@ TEST_F(AgentDownload, takesThePlaceOfAnOlderImageAndIsMounted) {
     http.finishDownload(0, 200, "/tmp/download");
 
     EXPECT_EQ(mounted, "image");
-    EXPECT_EQ(files.journal.at(0), "remove " + kImage);
-    EXPECT_EQ(files.journal.at(1), "copy /tmp/download -> " + kImage);
-    EXPECT_EQ(streams.logged().at(0), kBlock + " : Download finished successfully");
+    EXPECT_EQ(files.journal.at(0), "remove " + kAgentImage);
+    EXPECT_EQ(files.journal.at(1), "copy /tmp/download -> " + kAgentImage);
+    EXPECT_EQ(streams.logged().at(0), kAgentDownloadBlock + " : Download finished successfully");
 }
 
 TEST_F(AgentDownload, stopsWhenItCannotBeCopied) {
     files.putFile("/tmp/download", "image");
-    files.failCreateFile(kImage);
+    files.failCreateFile(kAgentImage);
     start();
 
     http.finishDownload(0, 200, "/tmp/download");
 
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kBlock + " : Error copying file to destination - Error Domain=NSCocoaErrorDomain "
-                                     "Code=513 \"The item could not be copied.\""));
+                ElementsAre(kAgentDownloadBlock +
+                            " : Error copying file to destination - Error Domain=NSCocoaErrorDomain "
+                            "Code=513 \"The item could not be copied.\""));
     EXPECT_THAT(tasks.runs, IsEmpty());
     EXPECT_THAT(retries, IsEmpty());
 }
@@ -167,13 +168,13 @@ TEST_F(AgentDownload, isNotJudgedByItsStatus) {
     EXPECT_THAT(
         streams.logged(),
         ElementsAre(
-            kBlock + " : Download finished successfully",
+            kAgentDownloadBlock + " : Download finished successfully",
             "-[OvraDmgDownloader mountingOvraMacDmg] : dmg mount task termination status : 1", kLaunchLine,
             "-[OvraDmgDownloader copyAppFileAndLaunch] : App Path : " + kAgent + " ovra app file launched!",
             "-[OvraDmgDownloader unMountingOvraMacDmg] : Dmg unmount task termination status : 1",
             "-[OvraDmgDownloader unMountingOvraMacDmg] : Dmg unmount task termination status : 1"));
     EXPECT_EQ(workspace.launches.size(), 1U);
-    EXPECT_EQ(files.file(kImage), nullptr);
+    EXPECT_EQ(files.file(kAgentImage), nullptr);
 }
 
 TEST_F(AgentDownload, isAFileEvenWithoutABody) {
@@ -182,7 +183,7 @@ TEST_F(AgentDownload, isAFileEvenWithoutABody) {
 
     http.finishDownload(0, 200, "/tmp/download");
 
-    EXPECT_EQ(tasks.runs.at(0), (std::vector<std::string>{"/usr/bin/hdiutil", "mount", kImage}));
+    EXPECT_EQ(tasks.runs.at(0), (std::vector<std::string>{"/usr/bin/hdiutil", "mount", kAgentImage}));
 }
 
 TEST_F(AgentDownload, keepsItsDownloaderAlive) {
@@ -205,7 +206,7 @@ TEST_F(AgentDownload, letsNothingEscapeFromItsCompletion) {
 
     NotificationCenter::defaultCenter().removeObserver(&breaking);
     EXPECT_EQ(streams.logged().size(), 3U); // both lines about the failure come before the notification
-    EXPECT_EQ(streams.logged().back(), exceptionLine(kBlock, "observer broke"));
+    EXPECT_EQ(streams.logged().back(), exceptionLine(kAgentDownloadBlock, "observer broke"));
 }
 
 } // namespace

@@ -14,17 +14,17 @@ using ::testing::Not;
 using ToolRun = std::vector<std::string>;
 using Post = fakes::FakeDistributedNotifications::Post;
 
-const std::string kCopy = "-[OvraDmgDownloader copyAppFileAndLaunch]";
+const std::string kCopyAndLaunch = "-[OvraDmgDownloader copyAppFileAndLaunch]";
 const std::string kDetachLine =
     "-[OvraDmgDownloader unMountingOvraMacDmg] : Dmg unmount task termination status : ";
-const std::string kLaunchedLine = kCopy + " : App Path : " + kAgent + " ovra app file launched!";
-const ToolRun kMountRun{"/usr/bin/hdiutil", "mount", kImage};
+const std::string kLaunchedLine = kCopyAndLaunch + " : App Path : " + kAgent + " ovra app file launched!";
+const ToolRun kMountRun{"/usr/bin/hdiutil", "mount", kAgentImage};
 const ToolRun kDetachRun{"/usr/bin/hdiutil", "detach", "/Volumes/Ovra"};
 const Post kNotStarted{"SendSessionStatusToTesselLumora", "status", 0};
 
 class AgentInstallation : public AgentTest {
   protected:
-    AgentInstallation() { files.putFile(kImage, "image"); }
+    AgentInstallation() { files.putFile(kAgentImage, "image"); }
 
     std::shared_ptr<OvraDmgDownloader> downloader = std::make_shared<OvraDmgDownloader>();
 };
@@ -36,12 +36,14 @@ TEST_F(AgentInstallation, copiesLaunchesCopiesTheToolsAndCleansUp) {
 
     EXPECT_THAT(streams.logged(),
                 ElementsAre("-[OvraDmgDownloader mountingOvraMacDmg] : dmg mount task termination status : 0",
-                            kCopy + " : Ovra.app file copied", kLaunchLine, kLaunchedLine,
-                            kCopy + " : OvraCrashDetector file copied",
-                            kCopy + " : TesselUserHandler file copied", kCopy + " :OTPreLogin file copied",
-                            kCopy + " :OvraPingAgent file copied",
-                            kCopy + " :RemoteScriptLauncher file copied", kCopy + " :tools_mac file copied",
-                            kDetachLine + "0", kDetachLine + "1"));
+                            kCopyAndLaunch + " : Ovra.app file copied", kLaunchLine, kLaunchedLine,
+                            kCopyAndLaunch + " : OvraCrashDetector file copied",
+                            kCopyAndLaunch + " : TesselUserHandler file copied",
+                            kCopyAndLaunch + " :OTPreLogin file copied",
+                            kCopyAndLaunch + " :OvraPingAgent file copied",
+                            kCopyAndLaunch + " :RemoteScriptLauncher file copied",
+                            kCopyAndLaunch + " :tools_mac file copied", kDetachLine + "0",
+                            kDetachLine + "1"));
     EXPECT_THAT(
         files.journal,
         ElementsAre("mkdir " + kAgentFolder, "copy /Volumes/Ovra/Ovra.app -> " + kAgent,
@@ -50,7 +52,7 @@ TEST_F(AgentInstallation, copiesLaunchesCopiesTheToolsAndCleansUp) {
                     "copy /Volumes/Ovra/OTPreLogin -> " + kAgentFolder + "OTPreLogin",
                     "copy /Volumes/Ovra/OvraPingAgent -> " + kAgentFolder + "OvraPingAgent",
                     "copy /Volumes/Ovra/RemoteScriptLauncher -> " + kAgentFolder + "RemoteScriptLauncher",
-                    "copy /Volumes/Ovra/tools_mac -> " + kAgentFolder + "tools_mac", "remove " + kImage,
+                    "copy /Volumes/Ovra/tools_mac -> " + kAgentFolder + "tools_mac", "remove " + kAgentImage,
                     "remove /Volumes/Ovra"));
     EXPECT_THAT(tasks.runs, ElementsAre(kMountRun, kDetachRun, kDetachRun));
     EXPECT_EQ(installedAgent(), "new agent");
@@ -82,7 +84,7 @@ TEST_F(AgentInstallation, leavesEverythingAsItIsWhenAnAgentStillStands) {
     EXPECT_EQ(installedAgent(), "old agent");
     EXPECT_THAT(workspace.launches, IsEmpty());
     EXPECT_THAT(tasks.runs, ElementsAre(kMountRun)); // the volume stays mounted
-    EXPECT_NE(files.file(kImage), nullptr);
+    EXPECT_NE(files.file(kAgentImage), nullptr);
     EXPECT_THAT(
         streams.logged(),
         ElementsAre("-[OvraDmgDownloader mountingOvraMacDmg] : dmg mount task termination status : 0"));
@@ -99,7 +101,7 @@ TEST_F(AgentInstallation, launchesAMissingBundleAfterAFailedMount) {
         ElementsAre("-[OvraDmgDownloader mountingOvraMacDmg] : dmg mount task termination status : 16",
                     kLaunchLine, kLaunchedLine, kDetachLine + "16", kDetachLine + "16"));
     EXPECT_EQ(workspace.launches.at(0).path, kAgent);
-    EXPECT_EQ(files.file(kImage), nullptr);
+    EXPECT_EQ(files.file(kAgentImage), nullptr);
     EXPECT_THAT(distributed.posts, IsEmpty());
 }
 
@@ -112,9 +114,10 @@ TEST_F(AgentInstallation, keepsToolsThatAreThereAlready) {
 
     EXPECT_EQ(files.file(kAgentFolder + "OTPreLogin")->contents, "old pre-login");
     const auto lines = streams.logged();
-    EXPECT_THAT(lines, Not(Contains(kCopy + " :OTPreLogin file copied")));
-    EXPECT_THAT(lines, Not(Contains(kCopy + " :tools_mac file copied")));
-    EXPECT_THAT(lines, Contains(kCopy + " :OvraPingAgent file copied")); // a failed copy stops nothing
+    EXPECT_THAT(lines, Not(Contains(kCopyAndLaunch + " :OTPreLogin file copied")));
+    EXPECT_THAT(lines, Not(Contains(kCopyAndLaunch + " :tools_mac file copied")));
+    EXPECT_THAT(lines,
+                Contains(kCopyAndLaunch + " :OvraPingAgent file copied")); // a failed copy stops nothing
 }
 
 TEST_F(AgentInstallation, removesTheImageWithoutTheCrashDetectorToo) {
@@ -123,16 +126,16 @@ TEST_F(AgentInstallation, removesTheImageWithoutTheCrashDetectorToo) {
 
     downloader->mountingOvraMacDmg();
 
-    EXPECT_EQ(files.file(kImage), nullptr);
+    EXPECT_EQ(files.file(kAgentImage), nullptr);
 }
 
 TEST_F(AgentInstallation, toleratesAnImageThatIsGoneOrCannotBeRemoved) {
     mountWorks();
-    files.failRemove(kImage);
+    files.failRemove(kAgentImage);
 
     downloader->mountingOvraMacDmg();
 
-    EXPECT_NE(files.file(kImage), nullptr);
+    EXPECT_NE(files.file(kAgentImage), nullptr);
     EXPECT_EQ(streams.logged().back(), kDetachLine + "1");
 }
 
@@ -165,7 +168,7 @@ TEST_F(AgentInstallation, tellsOtherProcessesWhenTheCopyingBreaksOffAndStillDeta
 
     EXPECT_THAT(streams.logged(),
                 ElementsAre("-[OvraDmgDownloader mountingOvraMacDmg] : dmg mount task termination status : 0",
-                            exceptionLine(kCopy, "write failed"), kDetachLine + "0"));
+                            exceptionLine(kCopyAndLaunch, "write failed"), kDetachLine + "0"));
     EXPECT_THAT(distributed.posts, ElementsAre(kNotStarted));
     EXPECT_THAT(workspace.launches, IsEmpty());
 }

@@ -15,7 +15,7 @@ namespace lumora {
 
 inline const std::string kAgentFolder = "/Users/casey/Library/Application Support/OvraVarloNative/";
 inline const std::string kAgent = kAgentFolder + "Ovra.app";
-inline const std::string kImage = kAgentFolder + "OvraMac.dmg";
+inline const std::string kAgentImage = kAgentFolder + "OvraMac.dmg";
 inline const std::string kJoinDetails = kAgentFolder + "ovrajoindetails.conf";
 
 inline const std::string kTimestamps =

@@ -7,7 +7,7 @@ namespace {
 using fakes::exceptionLine;
 using ::testing::ElementsAre;
 
-constexpr const char* kBlock = "-[ApiHandler checkOvraTesselUpdateWithCompletion:]_block_invoke";
+constexpr const char* kAgentCheckBlock = "-[ApiHandler checkOvraTesselUpdateWithCompletion:]_block_invoke";
 
 class AgentCheck : public UpdateCheckTest {
   protected:
@@ -41,8 +41,8 @@ TEST_F(AgentCheck, logsTheRepresentation) {
 
     http.finishData(0, 200, R"({ "other": 1, "representation": { "AGENT": { "update_needed": false } } })");
 
-    EXPECT_THAT(streams.logged(),
-                ElementsAre(std::string(kBlock) + R"( : Response : {"AGENT":{"update_needed":false}})"));
+    EXPECT_THAT(streams.logged(), ElementsAre(std::string(kAgentCheckBlock) +
+                                              R"( : Response : {"AGENT":{"update_needed":false}})"));
 }
 
 TEST_F(AgentCheck, hasAppliedWhenItReports) {
@@ -120,7 +120,7 @@ TEST_F(AgentCheck, appliesNothingWithoutRepresentationOrAgent) {
         http.finishData(http.tasks.size() - 1, 200, body);
         EXPECT_FALSE(session.isUpdateNeeded()) << body;
         EXPECT_THAT(answers, ElementsAre(true)) << body;
-        EXPECT_THAT(streams.logged(), ElementsAre(kBlock + (" : Response : " + logged)));
+        EXPECT_THAT(streams.logged(), ElementsAre(kAgentCheckBlock + (" : Response : " + logged)));
     }
 }
 
@@ -153,7 +153,7 @@ TEST_F(AgentCheck, leavesAnAddressThatDoesNotParseToTheSession) {
     EXPECT_EQ(requestedUrl(), std::nullopt);
     http.finishData(0, 500, "");
     EXPECT_THAT(streams.logged(),
-                ElementsAre(std::string(kBlock) +
+                ElementsAre(std::string(kAgentCheckBlock) +
                             " : NSURLConnection failed for this request : (null) and status code : 500"));
 }
 
@@ -165,7 +165,7 @@ TEST_F(AgentCheck, reportsFailureWhenApplyingBreaksOff) {
     http.finishData(0, 200, R"({"representation":{"AGENT":{"update_needed":true}}})");
 
     EXPECT_THAT(answers, ElementsAre(false));
-    EXPECT_THAT(streams.logged(), ElementsAre(exceptionLine(kBlock, "write failed")));
+    EXPECT_THAT(streams.logged(), ElementsAre(exceptionLine(kAgentCheckBlock, "write failed")));
     EXPECT_FALSE(session.isUpdateNeeded()); // the answer is logged before it is used
 }
 

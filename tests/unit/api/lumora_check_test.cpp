@@ -7,7 +7,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr const char* kBlock = "-[ApiHandler checkLumoraUpdateWithCompletion:]_block_invoke";
+constexpr const char* kLumoraCheckBlock = "-[ApiHandler checkLumoraUpdateWithCompletion:]_block_invoke";
 
 class LumoraCheck : public UpdateCheckTest {
   protected:
@@ -49,9 +49,10 @@ TEST_F(LumoraCheck, makesNoAddressOfAValueThatNoUrlMayCarry) {
     EXPECT_EQ(requestedUrl(), std::nullopt);
     http.failData(0, {"NSURLErrorDomain", -1000, "bad URL", {}});
     EXPECT_THAT(answers, ElementsAre(false));
-    EXPECT_THAT(streams.logged(), ElementsAre(std::string(kBlock) + " : Check Update failed : Error "
-                                                                    "Domain=NSURLErrorDomain Code=-1000 "
-                                                                    "\"bad URL\""));
+    EXPECT_THAT(streams.logged(),
+                ElementsAre(std::string(kLumoraCheckBlock) + " : Check Update failed : Error "
+                                                             "Domain=NSURLErrorDomain Code=-1000 "
+                                                             "\"bad URL\""));
 }
 
 TEST_F(LumoraCheck, namesAnUnknownVersionByTheNullPlaceholder) {
@@ -89,7 +90,7 @@ TEST_F(LumoraCheck, logsTheWholeAnswer) {
 
     http.finishData(0, 200, R"({ "other": 1.5, "representation": { "update": 0 } })");
 
-    EXPECT_THAT(streams.logged(), ElementsAre(std::string(kBlock) +
+    EXPECT_THAT(streams.logged(), ElementsAre(std::string(kLumoraCheckBlock) +
                                               R"( response :  {"other":1.5,"representation":{"update":0}})"));
 }
 
@@ -101,7 +102,7 @@ TEST_F(LumoraCheck, logsTheAnswerBeforeItIsUsed) {
     http.finishData(0, 200, R"({"representation":{"update":true}})");
 
     EXPECT_THAT(answers, ElementsAre(false));
-    EXPECT_THAT(streams.logged(), ElementsAre(fakes::exceptionLine(kBlock, "write failed")));
+    EXPECT_THAT(streams.logged(), ElementsAre(fakes::exceptionLine(kLumoraCheckBlock, "write failed")));
     EXPECT_FALSE(session.lumoraUpdateNeeded());
 }
 
@@ -146,10 +147,10 @@ TEST_F(LumoraCheck, startsTheStagingBeforeItReports) {
     EXPECT_TRUE(http.tasks[1].downloadCompletion);
     EXPECT_THAT(
         streams.logged(),
-        ElementsAre(std::string(kBlock) +
+        ElementsAre(std::string(kLumoraCheckBlock) +
                         R"( response :  {"representation":{"download_url":"https://cdn.example/a.dmg",)"
                         R"("update":"yes"}})",
-                    std::string(kBlock) + " Ovra Lumora Updated Version Available ....",
+                    std::string(kLumoraCheckBlock) + " Ovra Lumora Updated Version Available ....",
                     "+[OvraLumoraUpdater getInstance] : Update Info Object Allocated",
                     "-[OvraLumoraUpdater downloadLumoradmg] : Ovra Lumora Dmg Url : "
                     "https://cdn.example/a.dmg"));

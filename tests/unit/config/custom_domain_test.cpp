@@ -13,7 +13,8 @@ namespace {
 
 using ::testing::ElementsAre;
 
-constexpr const char* kUrl = "https://eu.ovratessel.example/api/v2/service_domain?src=rs&lumora_token=t1";
+constexpr const char* kServiceDomainUrl =
+    "https://eu.ovratessel.example/api/v2/service_domain?src=rs&lumora_token=t1";
 
 std::string line(const std::string& text) { return "+[Utils getCustomDomain] : " + text; }
 
@@ -56,8 +57,9 @@ TEST_F(CustomDomain, takesTheServersPlace) {
     EXPECT_EQ(session().customDomainEnabled(), "true");
     EXPECT_EQ(session().staticWebServerName(), "eu.ovratessel.example");
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kFetching, line(std::string("Requesting URL : ") + kUrl),
-                            line(std::string("Request Url URL : ") + kUrl), line("Status code : 200"),
+                ElementsAre(kFetching, line(std::string("Requesting URL : ") + kServiceDomainUrl),
+                            line(std::string("Request Url URL : ") + kServiceDomainUrl),
+                            line("Status code : 200"),
                             line(R"(Response : {"other":1,"service_domain":"help.customer.example"})")));
 }
 
@@ -83,7 +85,7 @@ TEST_F(CustomDomain, sendsOneGetWithDefaultTimeoutAndCaching) {
 
     ASSERT_EQ(http.synchronousRequests.size(), 1U);
     const auto& request = http.synchronousRequests.front();
-    EXPECT_EQ(request.url, kUrl);
+    EXPECT_EQ(request.url, kServiceDomainUrl);
     EXPECT_EQ(request.method, "GET");
     EXPECT_EQ(request.timeout, std::chrono::seconds(60));
     EXPECT_EQ(request.cachePolicy, platform::HttpCachePolicy::useProtocolCachePolicy);
@@ -158,9 +160,9 @@ TEST_P(AnswerWithoutDomain, changesNothing) {
 
     expectUnchanged();
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kFetching, line(std::string("Requesting URL : ") + kUrl),
-                            line(std::string("Request Url URL : ") + kUrl), line("Status code : 200"),
-                            line(std::string("Response : ") + shown)));
+                ElementsAre(kFetching, line(std::string("Requesting URL : ") + kServiceDomainUrl),
+                            line(std::string("Request Url URL : ") + kServiceDomainUrl),
+                            line("Status code : 200"), line(std::string("Response : ") + shown)));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -193,23 +195,24 @@ TEST_F(CustomDomain, otherStatusStopsSilently) {
         Utils::getCustomDomain();
 
         expectUnchanged();
-        EXPECT_THAT(streams.logged(), ElementsAre(kFetching, line(std::string("Requesting URL : ") + kUrl),
-                                                  line(std::string("Request Url URL : ") + kUrl),
-                                                  line("Status code : " + std::to_string(status))));
+        EXPECT_THAT(streams.logged(),
+                    ElementsAre(kFetching, line(std::string("Requesting URL : ") + kServiceDomainUrl),
+                                line(std::string("Request Url URL : ") + kServiceDomainUrl),
+                                line("Status code : " + std::to_string(status))));
     }
 }
 
 TEST_F(CustomDomain, networkFailureLogsBothLines) {
-    fail({"NSURLErrorDomain", -1001, "The request timed out.", kUrl});
+    fail({"NSURLErrorDomain", -1001, "The request timed out.", kServiceDomainUrl});
 
     Utils::getCustomDomain();
 
     expectUnchanged();
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kFetching, line(std::string("Requesting URL : ") + kUrl),
+                ElementsAre(kFetching, line(std::string("Requesting URL : ") + kServiceDomainUrl),
                             line("Check Update failed : Error Domain=NSURLErrorDomain Code=-1001 "
                                  "\"The request timed out.\""),
-                            line(std::string("Error in the HTTP Request(URL: ") + kUrl +
+                            line(std::string("Error in the HTTP Request(URL: ") + kServiceDomainUrl +
                                  ") : The request timed out.")));
 }
 
@@ -221,9 +224,10 @@ TEST_F(CustomDomain, missingBodyWithoutErrorStopsWithItsLine) {
     Utils::getCustomDomain();
 
     expectUnchanged();
-    EXPECT_THAT(streams.logged(),
-                ElementsAre(kFetching, line(std::string("Requesting URL : ") + kUrl),
-                            line(std::string("Error in the HTTP Request(URL: ") + kUrl + ") : (null)")));
+    EXPECT_THAT(
+        streams.logged(),
+        ElementsAre(kFetching, line(std::string("Requesting URL : ") + kServiceDomainUrl),
+                    line(std::string("Error in the HTTP Request(URL: ") + kServiceDomainUrl + ") : (null)")));
 }
 
 TEST_F(CustomDomain, bodyWithoutResponseHasStatusZero) {
@@ -276,7 +280,7 @@ TEST_F(CustomDomain, exceptionIsLoggedUnderItsName) {
 
     expectUnchanged();
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kFetching, line(std::string("Requesting URL : ") + kUrl),
+                ElementsAre(kFetching, line(std::string("Requesting URL : ") + kServiceDomainUrl),
                             fakes::exceptionLine("+[Utils getCustomDomain]", "no transport")));
 }
 

@@ -14,15 +14,15 @@ using fakes::exceptionLine;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-const std::string kFolder = "/Users/casey/Library/Logs//OvraTessel/OvraLumora/";
-const std::string kLive = kFolder + "ovraLumora.log";
+const std::string kLogFolder = "/Users/casey/Library/Logs//OvraTessel/OvraLumora/";
+const std::string kLive = kLogFolder + "ovraLumora.log";
 constexpr std::size_t kLimit = 262145;
 
-std::string backup(int index) { return kFolder + "ovraLumora" + std::to_string(index) + ".log"; }
+std::string backup(int index) { return kLogFolder + "ovraLumora" + std::to_string(index) + ".log"; }
 
 class Logging : public CoreTest {
   protected:
-    Logging() { handler->setOvraLumoraLogFolder(kFolder); }
+    Logging() { handler->setOvraLumoraLogFolder(kLogFolder); }
 
     /// A live log over the limit that can be told from every other.
     static std::string full(char mark) { return std::string(kLimit, mark); }
@@ -60,15 +60,15 @@ class LogFolder : public Logging {
 TEST_F(LogFolder, isStoredWithItsDoubledSlashAndCreated) {
     handler->createOvraLumoraLogFolder();
 
-    EXPECT_EQ(handler->ovraLumoraLogFolder(), kFolder);
-    EXPECT_TRUE(files.folderExists(kFolder));
-    EXPECT_THAT(files.journal, ElementsAre("mkdir " + kFolder));
+    EXPECT_EQ(handler->ovraLumoraLogFolder(), kLogFolder);
+    EXPECT_TRUE(files.folderExists(kLogFolder));
+    EXPECT_THAT(files.journal, ElementsAre("mkdir " + kLogFolder));
     EXPECT_THAT(streams.logged(),
                 ElementsAre("-[LogHandler createOvraLumoraLogFolder] Ovra Lumora Log Folder Created..."));
 }
 
 TEST_F(LogFolder, thatExistsAlreadyIsSuccessToo) {
-    files.putFolder(kFolder);
+    files.putFolder(kLogFolder);
 
     handler->createOvraLumoraLogFolder();
 
@@ -77,7 +77,7 @@ TEST_F(LogFolder, thatExistsAlreadyIsSuccessToo) {
 }
 
 TEST_F(LogFolder, thatCannotBeCreatedStopsNothing) {
-    files.failCreateFolder(kFolder);
+    files.failCreateFolder(kLogFolder);
 
     handler->createOvraLumoraLogFolder();
 
@@ -96,8 +96,8 @@ TEST_F(LogFolder, isCreatedThroughTheSessionsFileManager) {
 
     handler->createOvraLumoraLogFolder();
 
-    EXPECT_TRUE(otherFiles.folderExists(kFolder));
-    EXPECT_FALSE(files.folderExists(kFolder));
+    EXPECT_TRUE(otherFiles.folderExists(kLogFolder));
+    EXPECT_FALSE(files.folderExists(kLogFolder));
 }
 
 TEST_F(LogFolder, onePassRunsBeforeThereIsATimer) {

@@ -13,7 +13,7 @@ using fakes::exceptionLine;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr const char* kBlock = "-[OvraLumoraUpdater downloadLumoradmg]_block_invoke";
+constexpr const char* kStagingBlock = "-[OvraLumoraUpdater downloadLumoradmg]_block_invoke";
 
 class LumoraUpdater : public SelfUpdateTest {
   protected:
@@ -172,9 +172,9 @@ TEST_F(LumoraUpdater, reportsAFailedDownload) {
         0, {"NSURLErrorDomain", -1001, "The request timed out.", "https://com.ovratessel.example/a"});
 
     EXPECT_THAT(streams.logged(),
-                ElementsAre(std::string(kBlock) + " : Download failed! Error - The request timed out. "
-                                                  "https://com.ovratessel.example/a ",
-                            std::string(kBlock) +
+                ElementsAre(std::string(kStagingBlock) + " : Download failed! Error - The request timed out. "
+                                                         "https://com.ovratessel.example/a ",
+                            std::string(kStagingBlock) +
                                 " : Download failed! Whole Error - Error "
                                 "Domain=NSURLErrorDomain Code=-1001 \"The request timed out.\""));
     EXPECT_THAT(retries, ElementsAre(updater.get()));
@@ -188,16 +188,16 @@ TEST_F(LumoraUpdater, reportsAFailedDownloadWithoutAnAddress) {
     http.failDownload(0, {"NSURLErrorDomain", -1002, "unsupported URL", {}});
 
     EXPECT_EQ(streams.logged().at(0),
-              std::string(kBlock) + " : Download failed! Error - unsupported URL (null) ");
+              std::string(kStagingBlock) + " : Download failed! Error - unsupported URL (null) ");
 }
 
 TEST_F(LumoraUpdater, putsTheDownloadInThePlaceOfAnOlderImage) {
-    files.putFile(kImage, "older image");
+    files.putFile(kUpdateImage, "older image");
     files.putFile("/tmp/download", "image");
     std::string mounted;
     tasks.onRun = [&](const auto& run, platform::TaskOutput) {
         if (run.at(1) == "mount")
-            mounted = files.file(kImage)->contents;
+            mounted = files.file(kUpdateImage)->contents;
         return platform::TaskResult{};
     };
     updater->downloadLumoradmg();
@@ -206,10 +206,10 @@ TEST_F(LumoraUpdater, putsTheDownloadInThePlaceOfAnOlderImage) {
     http.finishDownload(0, 200, "/tmp/download");
 
     EXPECT_EQ(mounted, "image");
-    EXPECT_THAT(files.journal,
-                ElementsAre("remove " + std::string(kImage), "copy /tmp/download -> " + std::string(kImage),
-                            "remove " + std::string(kImage)));
-    EXPECT_EQ(streams.logged().at(0), std::string(kBlock) + " : Download finished successfully");
+    EXPECT_THAT(files.journal, ElementsAre("remove " + std::string(kUpdateImage),
+                                           "copy /tmp/download -> " + std::string(kUpdateImage),
+                                           "remove " + std::string(kUpdateImage)));
+    EXPECT_EQ(streams.logged().at(0), std::string(kStagingBlock) + " : Download finished successfully");
 }
 
 TEST_F(LumoraUpdater, doesNotLookAtTheStatusCode) {
@@ -219,19 +219,19 @@ TEST_F(LumoraUpdater, doesNotLookAtTheStatusCode) {
 
     http.finishDownload(0, 404, "/tmp/download");
 
-    EXPECT_EQ(streams.logged().at(0), std::string(kBlock) + " : Download finished successfully");
-    EXPECT_EQ(tasks.runs.at(0), (std::vector<std::string>{"/usr/bin/hdiutil", "mount", kImage}));
+    EXPECT_EQ(streams.logged().at(0), std::string(kStagingBlock) + " : Download finished successfully");
+    EXPECT_EQ(tasks.runs.at(0), (std::vector<std::string>{"/usr/bin/hdiutil", "mount", kUpdateImage}));
 }
 
 TEST_F(LumoraUpdater, stopsWhenTheDownloadCannotBeCopied) {
     files.putFile("/tmp/download", "image");
-    files.failCreateFile(kImage);
+    files.failCreateFile(kUpdateImage);
     updater->downloadLumoradmg();
     forgetLines();
 
     http.finishDownload(0, 200, "/tmp/download");
 
-    EXPECT_THAT(streams.logged(), ElementsAre(std::string(kBlock) +
+    EXPECT_THAT(streams.logged(), ElementsAre(std::string(kStagingBlock) +
                                               " : Error copying file to destination - Error "
                                               "Domain=NSCocoaErrorDomain Code=513 \"The item could not be "
                                               "copied.\""));
@@ -265,7 +265,7 @@ TEST_F(LumoraUpdater, letsNothingEscapeFromItsCompletion) {
 
     NotificationCenter::defaultCenter().removeObserver(&breaking);
     EXPECT_EQ(streams.logged().size(), 3U); // both lines about the failure come before the notification
-    EXPECT_EQ(streams.logged().back(), exceptionLine(kBlock, "observer broke"));
+    EXPECT_EQ(streams.logged().back(), exceptionLine(kStagingBlock, "observer broke"));
 }
 
 } // namespace

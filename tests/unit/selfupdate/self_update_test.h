@@ -16,7 +16,7 @@ inline constexpr const char* kStagingFolder =
     "/Users/casey/Library/Application Support/OvraLumoraNativeFolder/";
 inline constexpr const char* kStagedBundle =
     "/Users/casey/Library/Application Support/OvraLumoraNativeFolder/Ovra Tessel Lumora.app";
-inline constexpr const char* kImage =
+inline constexpr const char* kUpdateImage =
     "/Users/casey/Library/Application Support/OvraLumoraNativeFolder/OvraTesselLumora.dmg";
 inline constexpr const char* kBundleOnVolume = "/Volumes/Lumora Plugin/Ovra Tessel Lumora.app";
 

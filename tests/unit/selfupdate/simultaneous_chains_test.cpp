@@ -56,7 +56,7 @@ TEST_F(SimultaneousChains, takeTurnsWithTheImageAndItsVolume) {
     EXPECT_FALSE(overlapped_);
     EXPECT_EQ(mounts_, 2);
     EXPECT_EQ(staged(), "new version");
-    EXPECT_EQ(files.file(kImage), nullptr);
+    EXPECT_EQ(files.file(kUpdateImage), nullptr);
 }
 
 } // namespace

@@ -7,23 +7,23 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr const char* kTarget = "/Users/casey/Downloads/Ovra Tessel Lumora.app";
+constexpr const char* kRunningBundle = "/Users/casey/Downloads/Ovra Tessel Lumora.app";
 constexpr const char* kDefaultTarget = "/Applications/Ovra Tessel Lumora.app";
-const std::string kOperation = "+[Utils updateLumoraIfNeeded]";
-const std::string kBegin = kOperation + " Updated Lumora Downloaded from server and Initiate to Copy ";
+const std::string kSwapOperation = "+[Utils updateLumoraIfNeeded]";
+const std::string kBegin = kSwapOperation + " Updated Lumora Downloaded from server and Initiate to Copy ";
 const std::string kEnd =
-    kOperation +
+    kSwapOperation +
     " : ************************** Ovra Lumora App terminated ******* \n"; // and the line's own end
 
 class StagedUpdate : public SelfUpdateTest {
   protected:
     StagedUpdate() {
         session.setIsAppReplaceFlag(true);
-        session.setLumoraAppPath(kTarget);
+        session.setLumoraAppPath(kRunningBundle);
         session.setOvraLumoraNativeFolder(kStagingFolder);
         session.setLocalOvraLumoraAppVersion("1.0.0");
         putBundle(kStagedBundle, "new");
-        putBundle(kTarget, "old");
+        putBundle(kRunningBundle, "old");
     }
 
     void putBundle(const std::string& path, const std::string& executable) {
@@ -37,7 +37,7 @@ class StagedUpdate : public SelfUpdateTest {
     }
 
     static std::string located(const std::string& path) {
-        return kOperation + " App will be updated at its current location: " + path;
+        return kSwapOperation + " App will be updated at its current location: " + path;
     }
 };
 
@@ -47,9 +47,9 @@ TEST_F(StagedUpdate, logsTwoLinesAndDoesNothingWithoutTheFlag) {
     Utils::updateLumoraIfNeeded();
 
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kOperation + " There is No Updated App downloaded from server.", kEnd));
+                ElementsAre(kSwapOperation + " There is No Updated App downloaded from server.", kEnd));
     EXPECT_THAT(files.journal, IsEmpty());
-    EXPECT_EQ(executableIn(kTarget), "old");
+    EXPECT_EQ(executableIn(kRunningBundle), "old");
 }
 
 TEST_F(StagedUpdate, endsItsBannerWithTwoLineFeedsExactly) {
@@ -63,20 +63,21 @@ TEST_F(StagedUpdate, endsItsBannerWithTwoLineFeedsExactly) {
 TEST_F(StagedUpdate, replacesTheBundleWhereItRuns) {
     Utils::updateLumoraIfNeeded();
 
-    EXPECT_EQ(executableIn(kTarget), "new");
+    EXPECT_EQ(executableIn(kRunningBundle), "new");
     EXPECT_EQ(executableIn(kStagedBundle), "new"); // the staged one stays until the next is staged
-    EXPECT_THAT(files.journal, ElementsAre("remove " + std::string(kTarget),
-                                           "copy " + std::string(kStagedBundle) + " -> " + kTarget));
-    EXPECT_THAT(tasks.runs, ElementsAre(std::vector<std::string>{"/bin/chmod", "-R", "777", kTarget}));
+    EXPECT_THAT(files.journal, ElementsAre("remove " + std::string(kRunningBundle),
+                                           "copy " + std::string(kStagedBundle) + " -> " + kRunningBundle));
+    EXPECT_THAT(tasks.runs, ElementsAre(std::vector<std::string>{"/bin/chmod", "-R", "777", kRunningBundle}));
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kBegin, located(kTarget), kOperation + " Updated Lumora app Copied to " + kTarget,
-                            kOperation + " Successfully set 777 permissions on " + kTarget, kEnd));
+                ElementsAre(kBegin, located(kRunningBundle),
+                            kSwapOperation + " Updated Lumora app Copied to " + kRunningBundle,
+                            kSwapOperation + " Successfully set 777 permissions on " + kRunningBundle, kEnd));
 }
 
 TEST_F(StagedUpdate, holdsTheStagingFolderAgainstOtherProcessesWhileItCopies) {
     Utils::updateLumoraIfNeeded();
 
-    EXPECT_THAT(files.heldDuringCopyTo.at(kTarget), ElementsAre(kStagingFolder));
+    EXPECT_THAT(files.heldDuringCopyTo.at(kRunningBundle), ElementsAre(kStagingFolder));
     EXPECT_THAT(files.held, IsEmpty());
 }
 
@@ -89,14 +90,14 @@ TEST_F(StagedUpdate, replacesTheBundleInApplicationsWhenItsOwnPlaceIsUnknown) {
         Utils::updateLumoraIfNeeded();
 
         EXPECT_EQ(executableIn(kDefaultTarget), "new");
-        EXPECT_THAT(streams.logged(),
-                    ElementsAre(kBegin,
-                                kOperation + " lumoraAppPath not set, defaulting to " + kDefaultTarget,
-                                located(kDefaultTarget),
-                                kOperation + " Updated Lumora app Copied to " + kDefaultTarget,
-                                kOperation + " Successfully set 777 permissions on " + kDefaultTarget, kEnd));
+        EXPECT_THAT(
+            streams.logged(),
+            ElementsAre(kBegin, kSwapOperation + " lumoraAppPath not set, defaulting to " + kDefaultTarget,
+                        located(kDefaultTarget),
+                        kSwapOperation + " Updated Lumora app Copied to " + kDefaultTarget,
+                        kSwapOperation + " Successfully set 777 permissions on " + kDefaultTarget, kEnd));
     }
-    EXPECT_EQ(executableIn(kTarget), "old");
+    EXPECT_EQ(executableIn(kRunningBundle), "old");
 }
 
 TEST_F(StagedUpdate, leavesTheRunningBundleWhenTheStagedOneIsGone) {
@@ -106,10 +107,10 @@ TEST_F(StagedUpdate, leavesTheRunningBundleWhenTheStagedOneIsGone) {
     Utils::updateLumoraIfNeeded();
 
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kBegin, located(kTarget),
-                            kOperation + " There is No Updated Lumora App Present in " + kStagingFolder,
+                ElementsAre(kBegin, located(kRunningBundle),
+                            kSwapOperation + " There is No Updated Lumora App Present in " + kStagingFolder,
                             kEnd));
-    EXPECT_EQ(executableIn(kTarget), "old");
+    EXPECT_EQ(executableIn(kRunningBundle), "old");
     EXPECT_THAT(files.journal, IsEmpty());
 }
 
@@ -118,46 +119,47 @@ TEST_F(StagedUpdate, findsNothingStagedWithoutAStagingFolder) {
 
     Utils::updateLumoraIfNeeded();
 
-    EXPECT_EQ(streams.logged().at(2), kOperation + " There is No Updated Lumora App Present in (null)");
-    EXPECT_EQ(executableIn(kTarget), "old");
+    EXPECT_EQ(streams.logged().at(2), kSwapOperation + " There is No Updated Lumora App Present in (null)");
+    EXPECT_EQ(executableIn(kRunningBundle), "old");
 }
 
 TEST_F(StagedUpdate, keepsABundleThatCannotBeRemoved) {
-    files.failRemove(kTarget);
+    files.failRemove(kRunningBundle);
 
     Utils::updateLumoraIfNeeded();
 
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kBegin, located(kTarget),
-                            kOperation + " Failed to Remove Existing old Lumora app (1.0.0) in folder " +
-                                kTarget +
+                ElementsAre(kBegin, located(kRunningBundle),
+                            kSwapOperation + " Failed to Remove Existing old Lumora app (1.0.0) in folder " +
+                                kRunningBundle +
                                 " Error:  Error Domain=NSCocoaErrorDomain Code=513 \"The item could not be "
                                 "removed.\"",
                             kEnd));
-    EXPECT_EQ(executableIn(kTarget), "old");
+    EXPECT_EQ(executableIn(kRunningBundle), "old");
     EXPECT_THAT(tasks.runs, IsEmpty());
 }
 
 TEST_F(StagedUpdate, putsNothingWhereTheRunningBundleHasBeenTakenAway) {
-    static_cast<void>(files.removeItem(kTarget));
+    static_cast<void>(files.removeItem(kRunningBundle));
 
     Utils::updateLumoraIfNeeded();
 
     EXPECT_THAT(streams.logged().at(2),
-                ::testing::StartsWith(kOperation + " Failed to Remove Existing old Lumora app (1.0.0)"));
-    EXPECT_FALSE(files.fileExists(kTarget));
+                ::testing::StartsWith(kSwapOperation + " Failed to Remove Existing old Lumora app (1.0.0)"));
+    EXPECT_FALSE(files.fileExists(kRunningBundle));
     EXPECT_THAT(tasks.runs, IsEmpty());
 }
 
 TEST_F(StagedUpdate, restoresNothingWhenTheCopyFails) {
-    files.failCreateFile(kTarget);
+    files.failCreateFile(kRunningBundle);
 
     Utils::updateLumoraIfNeeded();
 
     EXPECT_THAT(streams.logged(),
-                ElementsAre(kBegin, located(kTarget),
-                            kOperation + " Failed to copy Updated Lumora app to folder " + kTarget, kEnd));
-    EXPECT_FALSE(files.folderExists(kTarget));
+                ElementsAre(kBegin, located(kRunningBundle),
+                            kSwapOperation + " Failed to copy Updated Lumora app to folder " + kRunningBundle,
+                            kEnd));
+    EXPECT_FALSE(files.folderExists(kRunningBundle));
     EXPECT_THAT(tasks.runs, IsEmpty());
 }
 
@@ -166,8 +168,8 @@ TEST_F(StagedUpdate, logsPermissionsThatCouldNotBeSet) {
 
     Utils::updateLumoraIfNeeded();
 
-    EXPECT_EQ(streams.logged().at(3), kOperation + " Failed to set 777 permissions on " +
-                                          std::string(kTarget) + ", termination status: 1");
+    EXPECT_EQ(streams.logged().at(3), kSwapOperation + " Failed to set 777 permissions on " +
+                                          std::string(kRunningBundle) + ", termination status: 1");
     EXPECT_EQ(streams.logged().at(4), kEnd);
 }
 
@@ -178,8 +180,8 @@ TEST_F(StagedUpdate, logsAPermissionToolThatNeverStartedLikeAFailedOne) {
 
     EXPECT_NO_THROW(Utils::updateLumoraIfNeeded());
 
-    EXPECT_EQ(streams.logged().at(3), kOperation + " Failed to set 777 permissions on " +
-                                          std::string(kTarget) + ", termination status: 127");
+    EXPECT_EQ(streams.logged().at(3), kSwapOperation + " Failed to set 777 permissions on " +
+                                          std::string(kRunningBundle) + ", termination status: 127");
     EXPECT_EQ(streams.logged().at(4), kEnd);
 }
 

@@ -12,7 +12,7 @@ using ToolRun = std::vector<std::string>;
 
 class Staging : public SelfUpdateTest {
   protected:
-    Staging() { files.putFile(kImage, "image"); }
+    Staging() { files.putFile(kUpdateImage, "image"); }
 
     /// The image tool prints a text for "mount" and ends everything with a status.
     void toolSays(const std::string& output, int status = 0) {
@@ -35,12 +35,12 @@ TEST_F(Staging, mountsStagesDetachesAndDeletesTheImage) {
 
     updater->mountingOvraLumoraDmg();
 
-    EXPECT_THAT(tasks.runs, ElementsAre(ToolRun{"/usr/bin/hdiutil", "mount", kImage},
+    EXPECT_THAT(tasks.runs, ElementsAre(ToolRun{"/usr/bin/hdiutil", "mount", kUpdateImage},
                                         ToolRun{"/usr/bin/hdiutil", "detach", "/Volumes/Lumora Plugin"}));
     EXPECT_EQ(staged(), "new version");
     EXPECT_TRUE(session.isAppReplaceFlag());
     EXPECT_THAT(files.journal, ElementsAre("copy " + std::string(kBundleOnVolume) + " -> " + kStagedBundle,
-                                           "remove " + std::string(kImage)));
+                                           "remove " + std::string(kUpdateImage)));
     EXPECT_THAT(
         streams.logged(),
         ElementsAre("-[OvraLumoraUpdater copyAppFile] : Ovra Tessel Lumora.app file copied to  "
@@ -64,14 +64,14 @@ TEST_F(Staging, capturesWhatTheToolPrintsOnMountOnly) {
 TEST_F(Staging, detachesBeforeItDeletesTheImage) {
     bool imageThere = false;
     tasks.onRun = [&](const auto& run, platform::TaskOutput) {
-        imageThere = run.at(1) == "detach" && files.fileExists(kImage);
+        imageThere = run.at(1) == "detach" && files.fileExists(kUpdateImage);
         return platform::TaskResult{0, "/Volumes/Lumora Plugin"};
     };
 
     updater->mountingOvraLumoraDmg();
 
     EXPECT_TRUE(imageThere);
-    EXPECT_FALSE(files.fileExists(kImage));
+    EXPECT_FALSE(files.fileExists(kUpdateImage));
 }
 
 TEST_F(Staging, replacesAnEarlierStagedBundleWhole) {
@@ -103,7 +103,7 @@ TEST_F(Staging, keepsTheFlagFalseWhenTheEarlierBundleCannotBeRemoved) {
                     "-[OvraLumoraUpdater unMountingOvraLumoraDmg] : Dmg unmount task termination status "
                     ": 0"));
     EXPECT_FALSE(session.isAppReplaceFlag());
-    EXPECT_EQ(files.file(kImage), nullptr);
+    EXPECT_EQ(files.file(kUpdateImage), nullptr);
 }
 
 TEST_F(Staging, staysSilentAboutACopyThatFails) {
@@ -116,7 +116,7 @@ TEST_F(Staging, staysSilentAboutACopyThatFails) {
     EXPECT_THAT(streams.logged(),
                 ElementsAre("-[OvraLumoraUpdater unMountingOvraLumoraDmg] : Dmg unmount task "
                             "termination status : 0"));
-    EXPECT_EQ(files.file(kImage), nullptr);
+    EXPECT_EQ(files.file(kUpdateImage), nullptr);
 }
 
 TEST_F(Staging, keepsAFlagThatAnEarlierChainRaised) {
@@ -166,7 +166,7 @@ TEST_F(Staging, logsAMountToolThatNeverStartedInItsOwnShortForm) {
     EXPECT_THAT(streams.logged(),
                 ElementsAre("-[OvraLumoraUpdater mountingOvraLumoraDmg] : Exception: No such file "
                             "or directory"));
-    EXPECT_NE(files.file(kImage), nullptr);
+    EXPECT_NE(files.file(kUpdateImage), nullptr);
 }
 
 TEST_F(Staging, logsADetachToolThatNeverStartedAndStillDeletesTheImage) {
@@ -180,7 +180,7 @@ TEST_F(Staging, logsADetachToolThatNeverStartedAndStillDeletesTheImage) {
 
     EXPECT_THAT(streams.logged(), ElementsAre(exceptionLine("-[OvraLumoraUpdater unMountingOvraLumoraDmg]",
                                                             "No such file or directory")));
-    EXPECT_EQ(files.file(kImage), nullptr);
+    EXPECT_EQ(files.file(kUpdateImage), nullptr);
 }
 
 TEST_F(Staging, stopsTheCopyingWhereSomethingRaises) {
@@ -193,7 +193,7 @@ TEST_F(Staging, stopsTheCopyingWhereSomethingRaises) {
     EXPECT_THAT(streams.logged(),
                 ElementsAre(exceptionLine("-[OvraLumoraUpdater copyAppFile]", "write failed")));
     EXPECT_TRUE(session.isAppReplaceFlag()); // raised before its line is written
-    EXPECT_NE(files.file(kImage), nullptr);
+    EXPECT_NE(files.file(kUpdateImage), nullptr);
 }
 
 TEST_F(Staging, saysThatNothingIsMounted) {
@@ -217,9 +217,9 @@ TEST_F(Staging, detachesOnceOnly) {
 
 TEST_F(Staging, toleratesAnImageThatIsGoneOrCannotBeDeleted) {
     mountWorks();
-    files.failRemove(kImage);
+    files.failRemove(kUpdateImage);
     updater->mountingOvraLumoraDmg();
-    EXPECT_NE(files.file(kImage), nullptr);
+    EXPECT_NE(files.file(kUpdateImage), nullptr);
     EXPECT_EQ(streams.logged().size(), 2U);
 }
 
@@ -236,7 +236,7 @@ TEST_F(Staging, letsTwoChainsReplaceEachOthersBundle) {
     mountWorks();
     const auto other = OvraLumoraUpdater::getInstance();
     updater->mountingOvraLumoraDmg();
-    files.putFile(kImage, "image");
+    files.putFile(kUpdateImage, "image");
     forgetLines();
 
     other->mountingOvraLumoraDmg();
