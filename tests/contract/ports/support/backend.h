@@ -40,6 +40,13 @@ inline std::unique_ptr<platform::HttpSessions> makeHttpSessions() {
     return std::make_unique<backend::FoundationHttpSessions>();
 }
 
+/// The sessions trust the machine's own authorities, and no test's.
+constexpr bool kTestsChooseAuthorities = false;
+
+inline std::unique_ptr<platform::HttpSessions> makeHttpSessionsTrusting(const std::string&) {
+    return makeHttpSessions();
+}
+
 /// The home folder is the user's own.
 inline FileManager makeFileManager(const std::string&) { return {}; }
 
@@ -110,6 +117,15 @@ inline std::unique_ptr<platform::DistributedNotifications> makeDistributedNotifi
 /// As on a machine with a network: the suites' own servers are reached over the loopback interface.
 inline std::unique_ptr<platform::HttpSessions> makeHttpSessions() {
     return std::make_unique<backend::LinuxHttpSessions>(backend::HttpTransferSettings{}, [] { return true; });
+}
+
+/// The sessions trust the authority of the certificate instead of the machine's own.
+constexpr bool kTestsChooseAuthorities = true;
+
+inline std::unique_ptr<platform::HttpSessions> makeHttpSessionsTrusting(const std::string& certificate) {
+    backend::HttpTransferSettings settings;
+    settings.certificateAuthorities = certificate;
+    return std::make_unique<backend::LinuxHttpSessions>(settings, [] { return true; });
 }
 
 inline FileManager makeFileManager(const std::string& home) { return FileManager(backend::HomeFolder(home)); }
