@@ -15,7 +15,7 @@ namespace lumora::platform {
 struct PageRequest {
     std::string url;
     HttpCachePolicy cachePolicy = HttpCachePolicy::useProtocolCachePolicy;
-    std::chrono::seconds timeout{60}; ///< until the first bytes of the page are shown
+    std::chrono::seconds timeout{60}; ///< without anything coming of the page
 };
 
 /// What the page posted. Only string bodies are of use; any other type arrives without one.

@@ -81,10 +81,10 @@ TEST_F(LocalPages, aLoadUnderWayIsStoppedForTheLocalPageThatStands) {
     server.hang("/hang");
     showLocal();
     run("window.kept = 'kept'");
-    load(server.url("/hang"), 5s);
+    load(server.url("/hang"), 2s);
     ASSERT_TRUE(runUntil([this] { return server.requests("/hang") == 1; }));
     view.loadFile(page(), folder_.string());
-    runFor(5300ms);
+    runFor(2300ms);
     EXPECT_EQ(valueOf("window.kept"), "kept");
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }

@@ -208,11 +208,75 @@ TEST_F(NavigationPolicies, aPictureIsNoDeepLink) {
     EXPECT_EQ(deepLinks, 0);
 }
 
-TEST_F(NavigationPolicies, aBlankPageGoesBackToThePageThatItReplaced) {
-    run("location.href = 'about:blank'");
-    runFor(300ms);
-    ASSERT_TRUE(waitForTitle("page"));
+TEST_F(NavigationPolicies, aDeepLinkInAFrameIsHandedOnThoughThePageMayGoThere) {
+    frame("ovrajoin://localhost/6");
+    ASSERT_TRUE(runUntil([this] { return deepLinks > 0; }));
+    expectThePageStays();
+    EXPECT_EQ(deepLinks, 1);
+}
+
+TEST_F(NavigationPolicies, aDeepLinkThatThePageMayGoToFails) {
+    run("location.href = 'ovrajoin://localhost/7'");
+    ASSERT_TRUE(runUntil([this] { return delegate.reportedFailures() > 0; }));
+    EXPECT_EQ(delegate.provisionalFailures.size(), 1U);
+    EXPECT_EQ(delegate.provisionalFailures.front().code, -1002);
+    EXPECT_EQ(deepLinks, 0);
+}
+
+TEST_F(NavigationPolicies, aFramesRedirectToADeepLinkIsHandedOn) {
+    server.redirect("/join", "ovrajoin://session/8");
+    frame(server.url("/join"));
+    ASSERT_TRUE(runUntil([this] { return deepLinks > 0; }));
+    expectThePageStays();
+    EXPECT_EQ(deepLinks, 1);
+}
+
+TEST_F(NavigationPolicies, aRedirectOfThePageToADeepLinkIsOnlyCancelled) {
+    server.redirect("/join", "ovrajoin://session/9");
+    run("location.href = '/join'");
+    ASSERT_TRUE(waitForRequest("/join"));
+    expectThePageStays();
+    EXPECT_EQ(deepLinks, 0);
+}
+
+TEST_F(NavigationPolicies, aBlankPageGivesWayToThePageThatItReplaced) {
+    for (const char* how : {"location.href = 'about:blank'", "location.replace('about:blank')",
+                            "location.replace('about:srcdoc')", "window.open('about:blank', '_self')"}) {
+        show(server.url("/own"));
+        run(how);
+        runFor(300ms);
+        ASSERT_TRUE(waitForTitle("own")) << how;
+        EXPECT_EQ(delegate.reportedFailures(), 0U) << how;
+    }
+}
+
+TEST_F(NavigationPolicies, aPageThatBlanksItselfAgainAndAgainStays) {
+    server.page("/blanks", "<title>blanks</title><script>onload = () => setTimeout(() => "
+                           "location.replace('about:blank#' + Math.random()))</script>");
+    load(server.url("/blanks"));
+    ASSERT_TRUE(waitForRequest("/blanks", 1));
+    runFor(1s);
+    EXPECT_EQ(title(), "blanks");
+    EXPECT_LE(server.requests("/blanks"), 2);
     EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(NavigationPolicies, aPageMadeByAScriptOfAForeignPageDoesNotReplaceIt) {
+    click(foreign());
+    ASSERT_TRUE(waitForTitle("foreign"));
+    run("location.href = URL.createObjectURL(new Blob(['<title>made</title>'], {type: 'text/html'}))");
+    runFor(400ms);
+    EXPECT_EQ(title(), "foreign");
+    EXPECT_EQ(valueOf("location.pathname"), "/foreign");
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(NavigationPolicies, aScriptMayClearAFrame) {
+    frame(server.url("/own"));
+    ASSERT_TRUE(runUntil([this] { return valueOf("frames[0].document.title") == "own"; }));
+    run("frames[0].location = 'about:blank'");
+    EXPECT_TRUE(runUntil([this] { return valueOf("frames[0].location.href") == "about:blank"; }));
+    EXPECT_EQ(title(), "page");
 }
 
 TEST_F(NavigationPolicies, blankFramesStay) {

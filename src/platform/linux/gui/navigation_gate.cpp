@@ -1,5 +1,7 @@
 #include "platform/linux/gui/navigation_gate.h"
 
+#include <utility>
+
 namespace lumora::platform::linux_backend {
 
 namespace {
@@ -34,14 +36,24 @@ NavigationAction describe(WebKitNavigationAction* action) {
     return {typeOf(webkit_navigation_action_get_navigation_type(action)), addressOf(action), true, true};
 }
 
+std::string filterFolder() {
+    const CharPointer folder(
+        g_build_filename(g_get_user_cache_dir(), g_get_prgname(), "content-filters", nullptr));
+    return folder.get();
+}
+
+std::string withoutFragment(const std::string& uri) { return uri.substr(0, uri.find_first_of("?#")); }
+
 } // namespace
 
 NavigationGate::NavigationGate(WebKitWebView* view, LoadTracker& tracker, const std::string& deepLinkScheme,
                                std::function<WebViewDelegate*()> delegate)
     : view_(view), tracker_(tracker), delegate_(std::move(delegate)),
-      topFrameFilter_(webkit_web_view_get_user_content_manager(view)), deepLinkPrefix_(deepLinkScheme + ":"),
-      frameDeepLinks_(webkit_web_view_get_context(view), deepLinkScheme,
-                      [this](const std::string& uri) { frameAskedForDeepLink(uri); }),
+      topFrameFilter_(webkit_web_view_get_user_content_manager(view), filterFolder(),
+                      [this] { filterSettled(); }),
+      // Whatever the answer, the engine cannot load it; the delegate does what is to be done.
+      frameDeepLinks_(view, deepLinkScheme,
+                      [this](const std::string& uri) { static_cast<void>(askForFrame(uri)); }),
       signals_(view) {
     signals_.connect("decide-policy", &NavigationGate::decidePolicy, this);
     signals_.connect("create", &NavigationGate::create, this);
@@ -54,17 +66,26 @@ NavigationPolicy NavigationGate::judgeOwnLoad(const std::string& uri) const {
 gboolean NavigationGate::decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision,
                                       WebKitPolicyDecisionType type, gpointer data) {
     auto* self = static_cast<NavigationGate*>(data);
-    switch (type) {
-    case WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION:
-        self->decideNavigation(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
-        return kDecided;
-    case WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION:
-        self->decideNewWindow(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
-        return kDecided;
-    case WEBKIT_POLICY_DECISION_TYPE_RESPONSE:
+    if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE)
         return self->decideResponse(WEBKIT_RESPONSE_POLICY_DECISION(decision)) ? kDecided : kEngineDecides;
-    }
-    return kEngineDecides;
+    auto* navigation = WEBKIT_NAVIGATION_POLICY_DECISION(decision);
+    if (self->topFrameFilter_.isSettled())
+        self->decide(navigation, type);
+    else
+        self->held_.push_back({ObjectRef<WebKitNavigationPolicyDecision>::retain(navigation), type});
+    return kDecided;
+}
+
+void NavigationGate::filterSettled() {
+    for (const HeldDecision& held : std::exchange(held_, {}))
+        decide(held.decision.get(), held.type);
+}
+
+void NavigationGate::decide(WebKitNavigationPolicyDecision* decision, WebKitPolicyDecisionType type) {
+    if (type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION)
+        decideNewWindow(decision);
+    else
+        decideNavigation(decision);
 }
 
 void NavigationGate::decideNavigation(WebKitNavigationPolicyDecision* decision) {
@@ -89,6 +110,8 @@ void NavigationGate::decideNavigation(WebKitNavigationPolicyDecision* decision) 
     }
     if (surelyMainFrame(uri))
         carryOut(policyDecision, ask(action), uri);
+    else if (frameDeepLinks_.isDeepLink(uri) && webkit_navigation_action_is_redirect(engineAction) != FALSE)
+        carryOut(policyDecision, askForFrame(uri), uri); // it never comes to be asked for
     else
         decideOfAnyFrame(policyDecision, action);
 }
@@ -96,29 +119,31 @@ void NavigationGate::decideNavigation(WebKitNavigationPolicyDecision* decision) 
 void NavigationGate::decideOfAnyFrame(WebKitPolicyDecision* decision, const NavigationAction& action) {
     const std::string uri = action.url.value_or("");
     const NavigationPolicy forMainFrame = ask(action);
-    if (forMainFrame == NavigationPolicy::allow || !topFrameFilter_.ready()) {
+    if (frameDeepLinks_.isDeepLink(uri))
+        frameDeepLinks_.letGo(uri, forMainFrame);
+    if (forMainFrame == NavigationPolicy::allow || blanking_.address == withoutFragment(uri)) {
         carryOut(decision, forMainFrame, uri);
         return;
     }
     topFrameFilter_.setActive(true);
-    subframesOnly_ = uri;
-    if (uri.starts_with(deepLinkPrefix_))
-        maybeOfFrames_.insert(uri);
+    framesOnly_.insert(uri);
+    tracker_.policyCancelled(uri);
     webkit_policy_decision_use(decision);
 }
 
-// Also asked for as a picture or the like: only what was decided on as a navigation counts.
-void NavigationGate::frameAskedForDeepLink(const std::string& uri) {
-    if (maybeOfFrames_.erase(uri) == 0)
-        return;
-    // Whatever the answer, the engine cannot load it; the delegate does what is to be done.
-    static_cast<void>(ask({NavigationType::other, uri, false, true}));
+NavigationPolicy NavigationGate::askForFrame(const std::string& uri) const {
+    return ask({NavigationType::other, uri, false, true});
 }
 
-void NavigationGate::committed(const std::string& uri) {
-    maybeOfFrames_.clear();
-    if (!subframesOnly_.empty() && uri == subframesOnly_ && webkit_web_view_can_go_back(view_) != FALSE)
-        webkit_web_view_go_back(view_);
+bool NavigationGate::committed(const std::string& uri, const std::string& before) {
+    frameDeepLinks_.forget();
+    const bool mustNotStand = framesOnly_.contains(uri);
+    framesOnly_.clear();
+    if (mustNotStand)
+        blanking_ = {before, withoutFragment(uri)};
+    else if (uri != blanking_.page)
+        blanking_ = {};
+    return mustNotStand;
 }
 
 // A link or form that asks for a new window. When it may, the engine asks for the window next. A script's request for one
@@ -129,11 +154,10 @@ void NavigationGate::decideNewWindow(WebKitNavigationPolicyDecision* decision) {
     carryOut(WEBKIT_POLICY_DECISION(decision), ask(action), action.url.value_or(""));
 }
 
-// The second line behind the filter, for the moment before it is compiled: by now the request has been sent.
 bool NavigationGate::decideResponse(WebKitResponsePolicyDecision* decision) {
     const std::string uri =
         textOf(webkit_uri_request_get_uri(webkit_response_policy_decision_get_request(decision)));
-    if (subframesOnly_.empty() || uri != subframesOnly_ ||
+    if (!framesOnly_.contains(uri) ||
         webkit_response_policy_decision_is_main_frame_main_resource(decision) == FALSE)
         return false;
     carryOut(WEBKIT_POLICY_DECISION(decision), NavigationPolicy::cancel, uri);
@@ -157,7 +181,7 @@ NavigationPolicy NavigationGate::ask(const NavigationAction& action) const {
 void NavigationGate::carryOut(WebKitPolicyDecision* decision, NavigationPolicy policy,
                               const std::string& uri) {
     topFrameFilter_.setActive(false);
-    subframesOnly_.clear();
+    framesOnly_.erase(uri);
     if (policy == NavigationPolicy::allow) {
         webkit_policy_decision_use(decision);
         return;

@@ -10,6 +10,7 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace lumora::platform::linux_backend {
 
@@ -17,7 +18,8 @@ namespace lumora::platform::linux_backend {
 ///
 /// The host's own loads were judged before they were asked for and pass. For a navigation of type "other" that some frame
 /// of the page began, the engine does not say which frame: it is judged as the main frame's, and a "cancel" is carried out
-/// by the filter that stops the top frame only.
+/// by the filter that stops the top frame only. Where that cannot be had, the top frame's answer is refused, before
+/// anything of it is shown; so are addresses that need no server but have an answer (blob:), which get past the filter.
 class NavigationGate {
   public:
     /// @param deepLinkScheme  a scheme that the engine cannot load and of which the delegate is told for every frame
@@ -29,18 +31,33 @@ class NavigationGate {
     /// The delegate's answer to a load that the host is about to ask for.
     [[nodiscard]] NavigationPolicy judgeOwnLoad(const std::string& uri) const;
 
-    /// A page stands. One that needs no server (about:, blob:) gets past the filter and is taken back here.
-    void committed(const std::string& uri);
+    /// A page stands in place of another.
+    /// @return whether it must not: a blank one (about:) needs neither server nor answer, and gets past everything.
+    [[nodiscard]] bool committed(const std::string& uri, const std::string& before);
 
   private:
+    struct HeldDecision {
+        ObjectRef<WebKitNavigationPolicyDecision> decision;
+        WebKitPolicyDecisionType type;
+    };
+
+    /// A page that a blank one took the place of, and the blank one's address. Shown again it would only do the same:
+    /// from then on such an address is refused to it, its frames included.
+    struct Blanking {
+        std::string page;
+        std::string address;
+    };
+
     static gboolean decidePolicy(WebKitWebView* view, WebKitPolicyDecision* decision,
                                  WebKitPolicyDecisionType type, gpointer self);
     static GtkWidget* create(WebKitWebView* view, WebKitNavigationAction* action, gpointer self);
 
+    void decide(WebKitNavigationPolicyDecision* decision, WebKitPolicyDecisionType type);
+    void filterSettled();
     void decideNavigation(WebKitNavigationPolicyDecision* decision);
     void decideNewWindow(WebKitNavigationPolicyDecision* decision);
     void decideOfAnyFrame(WebKitPolicyDecision* decision, const NavigationAction& action);
-    void frameAskedForDeepLink(const std::string& uri);
+    [[nodiscard]] NavigationPolicy askForFrame(const std::string& uri) const;
     [[nodiscard]] bool decideResponse(WebKitResponsePolicyDecision* decision);
 
     [[nodiscard]] NavigationPolicy ask(const NavigationAction& action) const;
@@ -50,10 +67,10 @@ class NavigationGate {
     WebKitWebView* view_;
     LoadTracker& tracker_;
     std::function<WebViewDelegate*()> delegate_;
+    std::vector<HeldDecision> held_; ///< until the filter is settled
     TopFrameFilter topFrameFilter_;
-    std::string subframesOnly_;           ///< the address that was last let go with the filter on
-    std::set<std::string> maybeOfFrames_; ///< deep links that were let go, until a frame asks for them
-    std::string deepLinkPrefix_;
+    std::set<std::string> framesOnly_; ///< addresses that were let go, but not for the top frame
+    Blanking blanking_;
     FrameDeepLinks frameDeepLinks_;
     SignalConnections signals_;
 };

@@ -5,6 +5,8 @@
 #include "platform/linux/gui/page_requests.h"
 #include "platform/linux/gui/reader_languages.h"
 
+#include <utility>
+
 namespace lumora::platform::linux_backend {
 
 namespace {
@@ -62,13 +64,13 @@ void scriptEnded(GObject* view, GAsyncResult* result, gpointer data) {
 } // namespace
 
 WebKitView::WebKitView(MainLoop& loop, const std::string& deepLinkScheme)
-    : loop_(loop), view_(makeView()), messages_(webkit_web_view_get_user_content_manager(view_.get()),
-                                                [this](const ScriptMessage& message) {
-                                                    if (delegate_ != nullptr)
-                                                        delegate_->didReceiveScriptMessage(message);
-                                                }),
+    : view_(makeView()), messages_(webkit_web_view_get_user_content_manager(view_.get()),
+                                   [this](const ScriptMessage& message) {
+                                       if (delegate_ != nullptr)
+                                           delegate_->didReceiveScriptMessage(message);
+                                   }),
       announcement_(view_.get()), gate_(view_.get(), tracker_, deepLinkScheme, [this] { return delegate_; }),
-      signals_(view_.get()) {
+      watch_(loop, view_.get(), [this](const std::string& uri) { timedOut(uri); }), signals_(view_.get()) {
     signals_.connect("load-changed", &WebKitView::loadChanged, this);
     signals_.connect("load-failed", &WebKitView::loadFailed, this);
     signals_.connect("load-failed-with-tls-errors", &WebKitView::certificateRejected, this);
@@ -84,7 +86,7 @@ void WebKitView::load(const PageRequest& request) {
     const auto engineRequest = requestFor(request.url);
     const std::string uri = addressOf(engineRequest.get());
     startLoad(engineRequest.get());
-    timeout_ = loop_.scheduleTimer(request.timeout, TimerMode::commonModes, [this, uri] { timedOut(uri); });
+    watch_.begin(uri, request.timeout);
 }
 
 void WebKitView::loadFile(const std::string& path, const std::string&) {
@@ -99,7 +101,7 @@ void WebKitView::loadFile(const std::string& path, const std::string&) {
         stopLoad(); // the page stays; what was to replace it does not come
         return;
     }
-    timeout_.reset();
+    watch_.end();
     startLoad(engineRequest.get());
 }
 
@@ -109,15 +111,18 @@ void WebKitView::startLoad(WebKitURIRequest* request) {
 }
 
 void WebKitView::stopLoad() {
-    timeout_.reset();
+    watch_.end();
     if (tracker_.hostWithdraws() == LoadTracker::Withdrawal::stopEngine)
         webkit_web_view_stop_loading(view_.get());
 }
 
-// By value: the timer that holds the original goes with the load.
-void WebKitView::timedOut(std::string uri) {
+void WebKitView::timedOut(const std::string& uri) {
+    const bool stands = tracker_.awaited().empty();
     stopLoad();
-    reportProvisionalFailure(timedOutError(uri));
+    if (stands)
+        reportFailure(timedOutError(uri));
+    else
+        reportProvisionalFailure(timedOutError(uri));
 }
 
 void WebKitView::evaluateJavaScript(const std::string& script, ScriptCompletion completion) {
@@ -133,17 +138,28 @@ void WebKitView::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointe
         self->tracker_.started();
         break;
     case WEBKIT_LOAD_REDIRECTED:
+        self->watch_.progressed();
         break;
     case WEBKIT_LOAD_COMMITTED:
-        self->committed_ = textOf(webkit_web_view_get_uri(view));
+        if (self->tracker_.awaited().empty())
+            self->watch_.end(); // the page has gone on by itself
         self->tracker_.committed();
-        self->gate_.committed(self->committed_);
-        self->timeout_.reset();
+        self->pageStands(textOf(webkit_web_view_get_uri(view)));
         break;
     case WEBKIT_LOAD_FINISHED:
         self->tracker_.finished();
         break;
     }
+}
+
+void WebKitView::pageStands(const std::string& uri) {
+    const std::string before = std::exchange(committed_, uri);
+    if (!gate_.committed(uri, before) || before.empty() || !tracker_.awaited().empty())
+        return;
+    // It stood by right, and needs no judgement now. Going back in the history would miss it when it was replaced there.
+    const auto request = requestFor(before);
+    startLoad(request.get());
+    watch_.begin(before, PageRequest().timeout);
 }
 
 gboolean WebKitView::loadFailed(WebKitWebView*, WebKitLoadEvent event, char* uri, GError* error,
@@ -173,11 +189,13 @@ gboolean WebKitView::certificateRejected(WebKitWebView*, char* uri, GTlsCertific
 }
 
 bool WebKitView::isPageFailure(LoadTracker::FailureKind kind, const std::string& uri) {
+    const bool wasAwaited = !tracker_.awaited().empty();
     const LoadTracker::Verdict verdict = tracker_.failed(kind, uri);
-    if (verdict == LoadTracker::Verdict::replacedByHost)
-        return false; // the timer belongs to the successor
-    timeout_.reset();
-    return verdict == LoadTracker::Verdict::pageFailed;
+    const bool isPages = verdict == LoadTracker::Verdict::pageFailed;
+    // One that the host awaits still goes on, and so does the page that stands when only what was to replace it is refused.
+    if (tracker_.awaited().empty() && (wasAwaited || isPages))
+        watch_.end();
+    return isPages;
 }
 
 void WebKitView::processTerminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer data) {
@@ -185,7 +203,7 @@ void WebKitView::processTerminated(WebKitWebView*, WebKitWebProcessTerminationRe
     const std::string awaited = self->tracker_.awaited();
     const std::string lost = awaited.empty() ? self->committed_ : awaited;
     self->committed_.clear();
-    self->timeout_.reset();
+    self->watch_.end();
     self->tracker_.reset();
     if (self->delegate_ != nullptr)
         self->delegate_->webContentProcessDidTerminate(lost);

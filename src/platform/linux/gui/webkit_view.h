@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/gui/load_tracker.h"
+#include "platform/linux/gui/load_watch.h"
 #include "platform/linux/gui/navigation_gate.h"
 #include "platform/linux/gui/page_announcement.h"
 #include "platform/linux/gui/script_messages.h"
@@ -43,23 +44,23 @@ class WebKitView final : public WebView {
     static void processTerminated(WebKitWebView* view, WebKitWebProcessTerminationReason reason,
                                   gpointer self);
 
+    void pageStands(const std::string& uri);
     void startLoad(WebKitURIRequest* request);
     void stopLoad();
-    void timedOut(std::string uri);
+    void timedOut(const std::string& uri);
     [[nodiscard]] bool isPageFailure(LoadTracker::FailureKind kind, const std::string& uri);
     void reportProvisionalFailure(const Error& error);
     void reportFailure(const Error& error);
 
-    MainLoop& loop_;
     ObjectRef<WebKitWebView> view_;
     WebViewDelegate* delegate_ = nullptr;
     LoadTracker tracker_;
     ScriptMessages messages_;
     PageAnnouncement announcement_;
     NavigationGate gate_;
+    LoadWatch watch_;
     SignalConnections signals_;
-    std::unique_ptr<Timer> timeout_; ///< from the host's load until its page is shown
-    std::string committed_;          ///< the address of the page that stands; empty: none
+    std::string committed_; ///< the address of the page that stands; empty: none
 };
 
 } // namespace lumora::platform::linux_backend

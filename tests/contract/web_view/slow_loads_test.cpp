@@ -1,0 +1,84 @@
+#include "support/test_server.h"
+#include "view_test.h"
+
+namespace lumora::contract {
+
+namespace {
+
+constexpr auto kPause = 900ms;
+
+/// A page of which everything comes slowly, and pages that stop amid themselves.
+void serveSlowly(Connection& connection, const std::string& head) {
+    const auto asksFor = [&](const char* path) { return head.starts_with(std::string("GET ") + path + " "); };
+    const auto sendPage = [&](const std::string& first, const std::string& last) {
+        connection.send("HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: " +
+                        std::to_string(first.size() + last.size()) + "\r\n\r\n" + first);
+        for (const char byte : last) {
+            std::this_thread::sleep_for(kPause);
+            connection.send(std::string(1, byte));
+        }
+    };
+    const std::string enoughToBeShown = "<title>begun</title>" + std::string(4000, 'x');
+    if (asksFor("/slow")) {
+        std::this_thread::sleep_for(kPause);
+        connection.answer("", "302 Found", "Location: /slower\r\n");
+    } else if (asksFor("/slower")) {
+        std::this_thread::sleep_for(kPause);
+        sendPage(enoughToBeShown, "12");
+    } else if (asksFor("/stalls")) {
+        connection.send(
+            "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 8000\r\n\r\n" +
+            enoughToBeShown);
+        connection.awaitClient();
+    } else if (asksFor("/picture")) {
+        connection.awaitClient();
+    } else {
+        connection.answer("<title>whole</title><img src=/picture>", "200 OK",
+                          "Content-Type: text/html; charset=utf-8\r\n");
+    }
+}
+
+} // namespace
+
+/// A load's time counts from the last that came of the page itself.
+class SlowLoads : public ViewTest {
+  protected:
+    TestServer slowServer{serveSlowly};
+};
+
+TEST_F(SlowLoads, aPageThatStallsTimesOutThoughItStands) {
+    load(slowServer.url("/stalls"), 1s);
+    ASSERT_TRUE(runUntil([this] { return delegate.reportedFailures() > 0; }));
+    runFor(300ms); // a second report would come now
+    EXPECT_EQ(title(), "begun");
+    EXPECT_EQ(delegate.events, std::vector<std::string>{"committed"});
+    EXPECT_EQ(delegate.failures.front().domain, "NSURLErrorDomain");
+    EXPECT_EQ(delegate.failures.front().code, -1001);
+    EXPECT_EQ(delegate.failures.front().localizedDescription, "The request timed out.");
+    EXPECT_EQ(delegate.failures.front().failingUrl, slowServer.url("/stalls"));
+}
+
+TEST_F(SlowLoads, whateverComesOfThePagePutsItsTimeOutOff) {
+    load(slowServer.url("/slow"), 2s);
+    ASSERT_TRUE(waitForTitle("begun"));
+    ASSERT_TRUE(waitUntilLoaded());
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(SlowLoads, aPageThatHasAllComeWaitsForItsPicturesAsLongAsTheyTake) {
+    load(slowServer.url("/page"), 1s);
+    ASSERT_TRUE(waitForTitle("whole"));
+    runFor(1300ms);
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(SlowLoads, aStalledPageGivesWayToTheNext) {
+    load(slowServer.url("/stalls"), 1s);
+    ASSERT_TRUE(waitForTitle("begun"));
+    load(slowServer.url("/page"), 20s);
+    ASSERT_TRUE(waitForTitle("whole"));
+    runFor(1300ms);
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+} // namespace lumora::contract
