@@ -21,6 +21,13 @@ namespace {
 namespace fs = std::filesystem;
 using platform::FileAttributes;
 
+TEST_F(FileManagerContract, tellsTheFoldersWithoutATrailingSlash) {
+    const std::string home = homeOf(home_);
+
+    EXPECT_EQ(home, files_.homeDirectory());
+    EXPECT_EQ(home + "/Library", files_.libraryDirectory());
+}
+
 TEST_F(FileManagerContract, foldersAreCreatedWithTheirParentsAndAgain) {
     ASSERT_TRUE(files_.createDirectoryWithIntermediates(home_ + "/Library//Logs/a/b/"));
     ASSERT_TRUE(files_.createDirectoryWithIntermediates(home_ + "/Library//Logs/a/b/"));

@@ -14,11 +14,6 @@ namespace {
 namespace fs = std::filesystem;
 using platform::linux_backend::HomeFolder;
 
-TEST_F(FileManagerContract, tellsTheFoldersWithoutATrailingSlash) {
-    EXPECT_EQ(home_, files_.homeDirectory());
-    EXPECT_EQ(home_ + "/Library", files_.libraryDirectory());
-}
-
 TEST_F(FileManagerContract, homeIsTheEnvironmentsOrTheUserDatabases) {
     EXPECT_EQ("", inChild([]() -> std::string {
                   ::setenv("HOME", "/some/where//", 1);

@@ -13,6 +13,9 @@
 #include "platform/macos/foundation/foundation_property_lists.h"
 #include "platform/macos/foundation/foundation_system_versions.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <map>
 #include <memory>
@@ -49,6 +52,8 @@ inline std::unique_ptr<platform::HttpSessions> makeHttpSessionsTrusting(const st
 
 /// The home folder is the user's own.
 inline FileManager makeFileManager(const std::string&) { return {}; }
+
+inline std::string homeOf(const std::string&) { return ::getpwuid(::getuid())->pw_dir; }
 
 /// Of the running program's own domain and its launch arguments.
 inline std::unique_ptr<platform::Preferences> makePreferences() {
@@ -129,6 +134,8 @@ inline std::unique_ptr<platform::HttpSessions> makeHttpSessionsTrusting(const st
 }
 
 inline FileManager makeFileManager(const std::string& home) { return FileManager(backend::HomeFolder(home)); }
+
+inline std::string homeOf(const std::string& chosen) { return chosen; }
 
 inline std::unique_ptr<platform::SystemVersions> makeSystemVersions() {
     return std::make_unique<backend::LinuxSystemVersions>();
