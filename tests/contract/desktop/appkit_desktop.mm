@@ -78,14 +78,14 @@ class AppKitAlertsOnScreen final : public AlertsOnScreen {
 
     Texts buttons() override {
         Texts titles;
-        for (NSControl* button : controls(window_, [NSButton class]))
-            titles.push_back(titleOf(button));
+        for (NSButton* button : buttonsOf(window_))
+            titles.push_back(textOf(button.title));
         return titles;
     }
 
     void press(const std::string& title) override {
-        for (NSControl* button : controls(window_, [NSButton class]))
-            if (titleOf(button) == title)
+        for (NSButton* button : buttonsOf(window_))
+            if (textOf(button.title) == title)
                 [button performClick:nil];
         wakeModalLoop();
     }
@@ -96,7 +96,16 @@ class AppKitAlertsOnScreen final : public AlertsOnScreen {
     }
 
   private:
-    static std::string titleOf(NSControl* button) { return textOf(static_cast<NSButton*>(button).title); }
+    /// Those that show a title.
+    static std::vector<NSButton*> buttonsOf(NSWindow* window) {
+        std::vector<NSButton*> buttons;
+        for (NSControl* control : controls(window, [NSButton class])) {
+            NSButton* button = static_cast<NSButton*>(control);
+            if (button.imagePosition != NSImageOnly)
+                buttons.push_back(button);
+        }
+        return buttons;
+    }
 
     backend::AppKitAlerts alerts_;
     NSWindow* window_ = nil; ///< the alert that was there last

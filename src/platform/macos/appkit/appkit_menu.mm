@@ -7,14 +7,14 @@
 using namespace lumora::platform;
 
 /// Carries an entry's command to its target. The entry itself holds this, and this the entry's port object.
-@interface LumoraMenuTarget : NSObject <NSMenuItemValidation>
-- (instancetype)initWithTarget:(MenuTarget*)target item:(std::shared_ptr<MenuItem>)item;
-@end
-
-@implementation LumoraMenuTarget {
+@interface LumoraMenuTarget : NSObject <NSMenuItemValidation> {
     MenuTarget* _target;
     std::shared_ptr<MenuItem> _item;
 }
+- (instancetype)initWithTarget:(MenuTarget*)target item:(std::shared_ptr<MenuItem>)item;
+@end
+
+@implementation LumoraMenuTarget
 
 - (instancetype)initWithTarget:(MenuTarget*)target item:(std::shared_ptr<MenuItem>)item {
     if ((self = [super init])) {
@@ -44,7 +44,7 @@ class AppKitMenuItem final : public MenuItem, public std::enable_shared_from_thi
   public:
     explicit AppKitMenuItem(NSMenuItem* item) : item_(item), submenu_(menuOver(item.submenu)) {}
 
-    std::string title() override { return textOf(item_.title); }
+    std::string title() override { return [item_ isSeparatorItem] ? std::string() : textOf(item_.title); }
     std::string action() override {
         return item_.action == nullptr ? std::string() : textOf(NSStringFromSelector(item_.action));
     }

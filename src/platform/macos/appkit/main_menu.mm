@@ -24,7 +24,7 @@ NSString* const kHelpMenu = @"Help";
 
 NSMenu* addMenu(NSMenu* bar, NSString* title) {
     NSMenu* menu = [[NSMenu alloc] initWithTitle:title];
-    NSMenuItem* heading = [[NSMenuItem alloc] initWithTitle:title action:nil keyEquivalent:@""];
+    NSMenuItem* heading = [[NSMenuItem alloc] initWithTitle:title action:nullptr keyEquivalent:@""];
     heading.submenu = menu;
     [bar addItem:heading];
     return menu;
