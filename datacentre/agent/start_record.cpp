@@ -1,5 +1,6 @@
 #include "agent/start_record.h"
 
+#include "agent/process_facts.h"
 #include "server/timestamp.h"
 
 #include <fmt/format.h>
@@ -65,12 +66,6 @@ std::string base64(std::string_view bytes) {
 
 std::string octal(unsigned mode) { return fmt::format("{:04o}", mode); }
 
-std::string linkTarget(const fs::path& link) {
-    std::error_code closed;
-    const auto target = fs::read_symlink(link, closed);
-    return closed ? "closed" : target.string();
-}
-
 Json environment() {
     Json values = Json::object();
     for (const char* name : kVariables)
@@ -103,19 +98,17 @@ fs::path recordFolder(const fs::path& home) {
 }
 
 std::string describeStart(const std::vector<std::string>& arguments, const JoinDetails& details) {
-    const Json record = {{"time", timestamp()},
-                         {"argv", arguments},
-                         {"executable", linkTarget("/proc/self/exe")},
-                         {"pid", getpid()},
-                         {"parent", getppid()},
-                         {"session", getsid(0)},
-                         {"process_group", getpgrp()},
-                         {"streams",
-                          {{"0", linkTarget("/proc/self/fd/0")},
-                           {"1", linkTarget("/proc/self/fd/1")},
-                           {"2", linkTarget("/proc/self/fd/2")}}},
-                         {"environment", environment()},
-                         {"join_details", describe(details)}};
+    const Json record = {
+        {"time", timestamp()},
+        {"argv", arguments},
+        {"executable", executablePath()},
+        {"pid", getpid()},
+        {"parent", getppid()},
+        {"session", getsid(0)},
+        {"process_group", getpgrp()},
+        {"streams", {{"0", streamTarget(0)}, {"1", streamTarget(1)}, {"2", streamTarget(2)}}},
+        {"environment", environment()},
+        {"join_details", describe(details)}};
     // Bytes that are no UTF-8 stand exactly in the base 64 member.
     return record.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -77,6 +77,10 @@ std::string infoPlist(const std::string& version) {
     <string>APPL</string>
     <key>CFBundleShortVersionString</key>
     <string>{}</string>
+    <key>NSHighResolutionCapable</key>
+    <true/>
+    <key>NSPrincipalClass</key>
+    <string>NSApplication</string>
 </dict>
 </plist>
 )",

@@ -23,8 +23,8 @@ class ScratchFolder {
 // Writes a file with exactly this mode (the umask does not count), making its folder when needed.
 void writeFile(const std::filesystem::path& file, std::string_view content, unsigned mode);
 
-// Packs the folder's content into an ISO 9660 image with Rock Ridge names and modes, by xorriso. The image appears at `image`
-// whole, by a rename: a server may be handing out the earlier one. Throws std::runtime_error with xorriso's own words.
+// Packs the folder's content into a disk image. It appears at `image` whole, by a rename: a server may be handing out the
+// earlier one. Throws std::runtime_error with the words of the tool that could not do it.
 void makeImage(const std::filesystem::path& folder, const std::string& volumeName,
                const std::filesystem::path& image);
 

@@ -7,8 +7,8 @@
 
 namespace datacentre {
 
-// The CFBundleShortVersionString of the bundle inside an image. ISO 9660 stores files unpacked and in one piece, so the
-// property list can be found in the image as it is. Nothing when there is no image or no version in it.
+// The CFBundleShortVersionString of the bundle inside an image. An image stores files unpacked and in one piece, so the
+// property list can be found in it as it is. Nothing when there is no image or no version in it.
 [[nodiscard]] std::optional<std::string> imageVersion(const std::filesystem::path& image);
 
 // Replaces the version in an XML property list's text. Throws std::runtime_error when the text has none.

@@ -16,6 +16,13 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+// The other side has sent its last byte, whatever of it has not been read yet. Not every system has a name of its own for it.
+#ifdef POLLRDHUP
+constexpr short kHasLeft = POLLRDHUP;
+#else
+constexpr short kHasLeft = POLLHUP;
+#endif
+
 constexpr milliseconds kForEver{-1};
 // How long an orderly close waits for the client to read what it was sent.
 constexpr milliseconds kLastWords{1000};
@@ -67,9 +74,9 @@ bool Connection::handshake() {
     return established_;
 }
 
-bool Connection::clientStays(milliseconds duration) const { return !waitFor(socket_, POLLRDHUP, duration); }
+bool Connection::clientStays(milliseconds duration) const { return !waitFor(socket_, kHasLeft, duration); }
 
-void Connection::waitUntilClientLeaves() const { (void)waitFor(socket_, POLLRDHUP, kForEver); }
+void Connection::waitUntilClientLeaves() const { (void)waitFor(socket_, kHasLeft, kForEver); }
 
 void Connection::drop() const { ::shutdown(socket_, SHUT_RDWR); }
 

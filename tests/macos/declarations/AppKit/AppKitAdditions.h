@@ -15,8 +15,12 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
     NSEventModifierFlagCommand = 1 << 20,
 };
 
-// There a value of NSEventType's own.
+// There values of NSEventType's own.
 static const NSEventType NSEventTypeApplicationDefined API_AVAILABLE(macos(10.12)) = NSApplicationDefined;
+static const NSEventType NSEventTypeKeyDown API_AVAILABLE(macos(10.12)) = NSKeyDown;
+static const NSEventType NSEventTypeKeyUp API_AVAILABLE(macos(10.12)) = NSKeyUp;
+static const NSEventType NSEventTypeLeftMouseDown API_AVAILABLE(macos(10.12)) = NSLeftMouseDown;
+static const NSEventType NSEventTypeLeftMouseUp API_AVAILABLE(macos(10.12)) = NSLeftMouseUp;
 
 typedef NSRect CGRect; // on macOS it is the other way round
 

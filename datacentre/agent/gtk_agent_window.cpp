@@ -1,4 +1,5 @@
 #include "agent/agent_window.h"
+#include "agent/session_texts.h"
 
 #include <gtk/gtk.h>
 
@@ -21,13 +22,6 @@ window.agent { background: #f6f8f8; color: #17222b; }
 .agent button.end { background: #0b6470; color: #ffffff; border: none; padding: 9px 18px; border-radius: 9px; font-weight: bold; }
 )";
 
-// "123 456 789", as the join page writes it.
-std::string grouped(const std::string& key) {
-    if (key.size() <= 6)
-        return key;
-    return key.substr(0, 3) + " " + key.substr(3, 3) + " " + key.substr(6);
-}
-
 GtkWidget* label(const std::string& text, const char* cssClass) {
     // Whatever the file holds, the label gets text that it can show.
     char* const valid = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
@@ -42,23 +36,16 @@ GtkWidget* label(const std::string& text, const char* cssClass) {
 }
 
 GtkWidget* detailsGrid(const JoinDetails& details) {
-    struct Row {
-        const char* name;
-        const char* key;
-    };
-    constexpr Row kRows[] = {{"Server", "webServerName"}, {"Data centre", "DC"}, {"You are", "email"}};
     GtkWidget* const grid = gtk_grid_new();
     gtk_widget_add_css_class(grid, "card");
     gtk_grid_set_column_spacing(GTK_GRID(grid), 18);
     gtk_grid_set_row_spacing(GTK_GRID(grid), 8);
     int line = 0;
-    for (const auto& [name, key] : kRows) {
-        const std::string value = details.value(key);
+    for (const auto& [name, value] : detailRows(details)) {
         GtkWidget* const nameLabel = label(name, "name");
         gtk_label_set_ellipsize(GTK_LABEL(nameLabel), PANGO_ELLIPSIZE_NONE);
         gtk_grid_attach(GTK_GRID(grid), nameLabel, 0, line, 1, 1);
-        gtk_grid_attach(GTK_GRID(grid), label(value.empty() || value == "(null)" ? "–" : value, "value"), 1,
-                        line, 1, 1);
+        gtk_grid_attach(GTK_GRID(grid), label(value, "value"), 1, line, 1, 1);
         ++line;
     }
     return grid;
@@ -71,20 +58,17 @@ GtkWidget* content(const JoinDetails& details, GtkWidget* window) {
     gtk_widget_set_margin_start(box, 24);
     gtk_widget_set_margin_end(box, 24);
 
-    GtkWidget* const title = label(details.wellFormed ? "Session " + grouped(details.value("key"))
-                                                      : std::string("No session to join"),
-                                   "title");
+    GtkWidget* const title = label(heading(details), "title");
     gtk_widget_add_css_class(title, "key");
     gtk_box_append(GTK_BOX(box), title);
-    GtkWidget* const state = label(
-        details.wellFormed ? "●  Connected" : "The join details are missing or cannot be read.", "state");
+    GtkWidget* const state = label(stateText(details), "state");
     if (!details.wellFormed)
         gtk_widget_add_css_class(state, "missing");
     gtk_box_append(GTK_BOX(box), state);
     if (details.present)
         gtk_box_append(GTK_BOX(box), detailsGrid(details));
 
-    GtkWidget* const end = gtk_button_new_with_mnemonic("_End session");
+    GtkWidget* const end = gtk_button_new_with_mnemonic((std::string("_") + kEndSession).c_str());
     gtk_widget_add_css_class(end, "end");
     gtk_widget_set_halign(end, GTK_ALIGN_END);
     g_signal_connect_swapped(end, "clicked", G_CALLBACK(gtk_window_close), window);
@@ -118,9 +102,7 @@ void showAgentWindow(const JoinDetails& details) {
     useStyle();
     GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
     GtkWidget* const window = gtk_window_new();
-    const std::string key = details.value("key");
-    char* const title =
-        g_utf8_make_valid(key.empty() ? "Ovra" : ("Ovra – session " + grouped(key)).c_str(), -1);
+    char* const title = g_utf8_make_valid(windowTitle(details).c_str(), -1);
     gtk_window_set_title(GTK_WINDOW(window), title);
     g_free(title);
     gtk_window_set_default_size(GTK_WINDOW(window), kWidth, -1);
