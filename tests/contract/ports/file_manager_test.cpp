@@ -97,7 +97,7 @@ TEST_F(FileManagerContract, aReadOnlyBundleIsCopiedByAnOrdinaryUser) {
         fs::permissions(source + inner, fs::perms(0555));
     fs::permissions(home_, fs::perms(0777));
 
-    EXPECT_EQ("", inChildAsOrdinaryUser([&]() -> std::string {
+    EXPECT_EQ("", asOrdinaryUser([&]() -> std::string {
                   if (const auto copied = files_.copyItem(source, home_ + "/Copy.app"); !copied)
                       return copied.error().localizedDescription;
                   if (contentsOf(home_ + "/Copy.app/Contents/file") != "text")
@@ -168,7 +168,7 @@ TEST_F(FileManagerContract, anUnreadableFileFailsTheWholeCopyAndLeavesNothing) {
     fs::permissions(home_ + "/folder/secret", fs::perms(0));
     fs::permissions(home_, fs::perms(0777));
 
-    EXPECT_EQ("", inChildAsOrdinaryUser([&]() -> std::string {
+    EXPECT_EQ("", asOrdinaryUser([&]() -> std::string {
                   const auto copied = files_.copyItem(home_ + "/folder", home_ + "/copy");
                   if (copied)
                       return "copied";
@@ -237,7 +237,7 @@ TEST_F(FileManagerContract, removalNeverTouchesALinksTarget) {
 TEST_F(FileManagerContract, removalOpensUpReadOnlyFoldersInsideButNotTheOneAround) {
     fs::permissions(home_, fs::perms(0777));
 
-    EXPECT_EQ("", inChildAsOrdinaryUser([&]() -> std::string {
+    EXPECT_EQ("", asOrdinaryUser([&]() -> std::string {
                       fs::create_directories(home_ + "/a/closed/inner");
                       writeFile(home_ + "/a/closed/inner/file", "text");
                       fs::permissions(home_ + "/a/closed/inner", fs::perms(0));

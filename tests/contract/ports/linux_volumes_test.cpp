@@ -64,7 +64,7 @@ TEST_F(VolumesContract, anotherUsersVolumeIsRefusedAndSoIsHisLink) {
 TEST_F(VolumesContract, theAdministratorsVolumeIsEverybodys) {
     if (::geteuid() != 0)
         GTEST_SKIP() << "only the superuser is somebody else for a while";
-    EXPECT_EQ("", inChildAsOrdinaryUser(
+    EXPECT_EQ("", asOrdinaryUser(
                       [this] { return obstacle(volume_ + "/A.app") == 0 ? std::string() : "refused"; }));
 }
 

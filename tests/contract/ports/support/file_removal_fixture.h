@@ -30,7 +30,7 @@ class FileRemovalContract : public testing::Test {
     }
 
     std::string removedByAnOrdinaryUser(int expectedError) {
-        return inChildAsOrdinaryUser([&]() -> std::string {
+        return asOrdinaryUser([&]() -> std::string {
             const auto removed = files_.removeItem(bundle_);
             if (removed)
                 return "removed";

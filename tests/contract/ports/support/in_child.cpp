@@ -73,9 +73,11 @@ std::string Child::report() {
 
 std::string inChild(const std::function<std::string()>& body) { return Child(body).report(); }
 
-std::string inChildAsOrdinaryUser(const std::function<std::string()>& body) {
+std::string asOrdinaryUser(const std::function<std::string()>& body) {
+    if (::geteuid() != 0)
+        return body();
     return inChild([&body]() -> std::string {
-        if (::geteuid() == 0 && (::setgid(kOrdinaryUser) != 0 || ::setuid(kOrdinaryUser) != 0))
+        if (::setgid(kOrdinaryUser) != 0 || ::setuid(kOrdinaryUser) != 0)
             return "cannot become an ordinary user";
         return body();
     });

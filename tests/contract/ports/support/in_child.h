@@ -25,7 +25,8 @@ class Child {
 /// Runs the body in a forked process to its end.
 [[nodiscard]] std::string inChild(const std::function<std::string()>& body);
 
-/// The same as an ordinary user (the superuser's rights would hide what a test looks for).
-[[nodiscard]] std::string inChildAsOrdinaryUser(const std::function<std::string()>& body);
+/// Runs the body as an ordinary user: in a forked process only for the superuser, whose rights would hide what a test looks
+/// for. Some systems' frameworks are of little use after a fork.
+[[nodiscard]] std::string asOrdinaryUser(const std::function<std::string()>& body);
 
 } // namespace lumora::contract
