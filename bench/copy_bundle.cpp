@@ -4,7 +4,7 @@
 //   copy_bundle [ROUNDS]     below the folder for temporary files
 
 #include "platform/linux/ports/linux_file_manager.h"
-#include "platform/posix/posix_task_runner.h"
+#include "platform/linux/ports/linux_task_runner.h"
 
 #include <fmt/core.h>
 
@@ -65,7 +65,7 @@ int main(int argc, char** argv) {
     makeBundle(source);
 
     LinuxFileManager files{HomeFolder(scratch.string())};
-    posix_backend::PosixTaskRunner tools(posix_backend::currentEnvironment());
+    linux_backend::LinuxTaskRunner tools(linux_backend::currentEnvironment());
     const auto own = [&] { return static_cast<bool>(files.copyItem(source.string(), copy.string())); };
     const auto systems = [&] {
         const auto result = tools.run("/bin/cp", {"-a", source.string(), copy.string()}, TaskOutput::discard);

@@ -2,6 +2,7 @@
 
 #include "platform/result.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,12 @@ struct TaskResult {
     int terminationStatus = 0;  ///< exit status, or the signal's number when a signal ended it
     std::string standardOutput; ///< empty unless captured
 };
+
+/// Whether the arguments reach a tool as they are: one with a NUL in it would be cut short there.
+[[nodiscard]] inline bool arriveWhole(const std::vector<std::string>& arguments) {
+    return std::none_of(arguments.begin(), arguments.end(),
+                        [](const std::string& argument) { return argument.find('\0') != std::string::npos; });
+}
 
 /// Runs command-line tools to their end. Callable from any thread; blocks it.
 class TaskRunner {

@@ -12,12 +12,12 @@
 #include "platform/macos/foundation/foundation_preferences.h"
 #include "platform/macos/foundation/foundation_property_lists.h"
 #include "platform/macos/foundation/foundation_system_versions.h"
+#include "platform/macos/foundation/foundation_tasks.h"
 #include "platform/macos/network/network_path_monitors.h"
 #include "platform/macos/web/webkit_host.h"
 #include "platform/ports.h"
 #include "platform/posix/posix_process_info.h"
 #include "platform/posix/posix_standard_streams.h"
-#include "platform/posix/posix_task_runner.h"
 
 namespace lumora::platform::macos_backend {
 
@@ -40,7 +40,7 @@ class MacosBackend {
     FoundationPreferences preferences_;
     FoundationPropertyLists propertyLists_;
     FoundationSystemVersions systemVersions_;
-    posix_backend::PosixTaskRunner tasks_{posix_backend::currentEnvironment()};
+    FoundationTasks tasks_;
     AppKitAlerts alerts_;
     AppKitApplication application_;
     AppKitMainLoop mainLoop_;

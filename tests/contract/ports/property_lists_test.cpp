@@ -1,4 +1,3 @@
-#include "platform/posix/posix_task_runner.h"
 #include "support/backend.h"
 #include "support/temporary_folder.h"
 
@@ -62,9 +61,9 @@ class PropertyListsContract : public testing::Test {
 
   private:
     std::string python(const std::string& program) {
-        platform::posix_backend::PosixTaskRunner tasks({"PATH=/usr/bin:/bin"});
+        const auto tasks = makeTasks();
         const auto result =
-            tasks.run("/usr/bin/python3", {"-c", program, folder_ / "list"}, platform::TaskOutput::capture);
+            tasks->run("/usr/bin/python3", {"-c", program, folder_ / "list"}, platform::TaskOutput::capture);
         if (!result || result.value().terminationStatus != 0)
             return "python failed";
         return result.value().standardOutput;

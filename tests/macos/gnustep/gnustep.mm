@@ -10,6 +10,23 @@ NSString* const NSFileProtectionComplete = @"NSFileProtectionComplete";
 }
 @end
 
+@implementation NSTask (Lumora)
+- (NSURL*)executableURL {
+    return [NSURL fileURLWithPath:[self launchPath]];
+}
+- (void)setExecutableURL:(NSURL*)url {
+    [self setLaunchPath:[url path]];
+}
+- (BOOL)launchAndReturnError:(NSError**)error {
+    const int fault = access([[self launchPath] fileSystemRepresentation], X_OK) == 0 ? 0 : errno;
+    if (fault == 0)
+        [self launch];
+    else
+        *error = [NSError errorWithDomain:NSPOSIXErrorDomain code:fault userInfo:nil];
+    return fault == 0;
+}
+@end
+
 @implementation NSData (Lumora)
 + (id)dataWithContentsOfFile:(NSString*)path options:(NSUInteger)options error:(NSError**)error {
     NSData* data = [self dataWithContentsOfFile:path];

@@ -19,8 +19,7 @@ std::string toolBeside(const std::string& executable, const std::string& name) {
 
 } // namespace
 
-LinuxBackend::LinuxBackend(const std::vector<std::string>& launchArguments,
-                           posix_backend::Environment childEnvironment)
+LinuxBackend::LinuxBackend(const std::vector<std::string>& launchArguments, Environment childEnvironment)
     : bundles_(LinuxBundles::runningExecutable(), home_, propertyLists_), fileManager_(home_),
       preferences_(launchArguments, PreferenceFolders::forHome(home_.path()), propertyLists_),
       workspace_(bundles_, home_, childEnvironment),

@@ -13,11 +13,11 @@
 #include "platform/linux/ports/linux_preferences.h"
 #include "platform/linux/ports/linux_property_lists.h"
 #include "platform/linux/ports/linux_system_versions.h"
+#include "platform/linux/ports/linux_task_runner.h"
 #include "platform/linux/ports/linux_workspace.h"
 #include "platform/ports.h"
 #include "platform/posix/posix_process_info.h"
 #include "platform/posix/posix_standard_streams.h"
-#include "platform/posix/posix_task_runner.h"
 
 #include <string>
 #include <vector>
@@ -29,8 +29,7 @@ class LinuxBackend {
   public:
     /// @param launchArguments   without the program's name
     /// @param childEnvironment  what every child process gets
-    LinuxBackend(const std::vector<std::string>& launchArguments,
-                 posix_backend::Environment childEnvironment);
+    LinuxBackend(const std::vector<std::string>& launchArguments, Environment childEnvironment);
 
     /// The ports as the core asks for them.
     [[nodiscard]] Ports ports();
@@ -53,7 +52,7 @@ class LinuxBackend {
     LinuxSystemVersions systemVersions_;
     LinuxDistributedNotifications distributedNotifications_;
     LinuxWorkspace workspace_;
-    posix_backend::PosixTaskRunner tasks_;
+    LinuxTaskRunner tasks_;
     GlibMainLoop mainLoop_;
     LinuxAppleScripts appleScripts_;
     GioPathMonitors pathMonitors_;

@@ -40,7 +40,7 @@ struct RunningApplication {
 } // namespace
 
 int main(int argc, char** argv) {
-    auto childEnvironment = platform::posix_backend::currentEnvironment();
+    auto childEnvironment = currentEnvironment();
     preferSoftwareRendering();
     refuseOldTls();
 

@@ -17,13 +17,13 @@ namespace {
 using posix_backend::UniqueFd;
 
 // GIO starts from the process's environment now and takes the differences.
-ObjectRef<GAppLaunchContext> contextFor(const posix_backend::Environment& environment) {
+ObjectRef<GAppLaunchContext> contextFor(const Environment& environment) {
     auto context = ObjectRef<GAppLaunchContext>::adopt(g_app_launch_context_new());
     const auto isGiven = [&](const std::string& name) {
         return std::any_of(environment.begin(), environment.end(),
                            [&](const std::string& entry) { return entry.starts_with(name + '='); });
     };
-    for (const std::string& entry : posix_backend::currentEnvironment()) {
+    for (const std::string& entry : currentEnvironment()) {
         if (const std::string name = entry.substr(0, entry.find('=')); !isGiven(name))
             g_app_launch_context_unsetenv(context.get(), name.c_str());
     }
@@ -48,7 +48,7 @@ bool launch(GDesktopAppInfo* handler, const std::string& url, GAppLaunchContext*
 
 } // namespace
 
-bool openInDefaultHandler(const std::string& url, const posix_backend::Environment& environment) {
+bool openInDefaultHandler(const std::string& url, const Environment& environment) {
     const CharPointer scheme(g_uri_parse_scheme(url.c_str()));
     if (!scheme)
         return false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/posix/child_process.h"
+#include "platform/linux/ports/child_process.h"
 
 #include <string>
 
@@ -8,7 +8,6 @@ namespace lumora::platform::linux_backend {
 
 /// Starts the desktop's default handler of an address with the given environment and the null device as its streams.
 /// Any thread. False when no handler is known or it cannot be started.
-[[nodiscard]] bool openInDefaultHandler(const std::string& url,
-                                        const posix_backend::Environment& environment);
+[[nodiscard]] bool openInDefaultHandler(const std::string& url, const Environment& environment);
 
 } // namespace lumora::platform::linux_backend

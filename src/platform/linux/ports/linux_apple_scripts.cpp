@@ -55,8 +55,7 @@ std::optional<AppleScriptError> errorOf(int status, std::string output, bool adm
 
 class ShellScript final : public AppleScript {
   public:
-    ShellScript(ShellScriptStatement statement, posix_backend::Environment environment,
-                LinuxAppleScripts::Wait wait)
+    ShellScript(ShellScriptStatement statement, Environment environment, LinuxAppleScripts::Wait wait)
         : statement_(std::move(statement)), environment_(std::move(environment)), wait_(std::move(wait)) {}
 
     std::optional<AppleScriptError> execute() override {
@@ -70,9 +69,8 @@ class ShellScript final : public AppleScript {
 
   private:
     static std::optional<AppleScriptError> run(const ShellScriptStatement& statement,
-                                               const posix_backend::Environment& environment) {
-        auto ran = posix_backend::PosixTaskRunner(environment)
-                       .run(kShell, shellArguments(statement), TaskOutput::capture);
+                                               const Environment& environment) {
+        auto ran = LinuxTaskRunner(environment).run(kShell, shellArguments(statement), TaskOutput::capture);
         if (!ran)
             return AppleScriptError{ran.error().code, ran.error().localizedDescription};
         return errorOf(ran.value().terminationStatus, std::move(ran.value().standardOutput),
@@ -80,13 +78,13 @@ class ShellScript final : public AppleScript {
     }
 
     const ShellScriptStatement statement_;
-    const posix_backend::Environment environment_;
+    const Environment environment_;
     const LinuxAppleScripts::Wait wait_;
 };
 
 } // namespace
 
-LinuxAppleScripts::LinuxAppleScripts(posix_backend::Environment environment, Wait wait)
+LinuxAppleScripts::LinuxAppleScripts(Environment environment, Wait wait)
     : environment_(std::move(environment)), wait_(std::move(wait)) {}
 
 std::unique_ptr<AppleScript> LinuxAppleScripts::makeScript(const std::string& source) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/apple_script.h"
-#include "platform/posix/posix_task_runner.h"
+#include "platform/linux/ports/linux_task_runner.h"
 
 #include <functional>
 
@@ -16,12 +16,12 @@ class LinuxAppleScripts final : public AppleScripts {
     using Wait = std::function<bool(std::function<void()> work)>;
 
     /// @param environment  what the scripts get
-    LinuxAppleScripts(posix_backend::Environment environment, Wait wait);
+    LinuxAppleScripts(Environment environment, Wait wait);
 
     [[nodiscard]] std::unique_ptr<AppleScript> makeScript(const std::string& source) override;
 
   private:
-    const posix_backend::Environment environment_;
+    const Environment environment_;
     const Wait wait_;
 };
 

@@ -8,7 +8,7 @@
 
 namespace lumora::platform::linux_backend {
 
-LinuxWorkspace::LinuxWorkspace(Bundles& bundles, HomeFolder home, posix_backend::Environment environment)
+LinuxWorkspace::LinuxWorkspace(Bundles& bundles, HomeFolder home, Environment environment)
     : bundles_(bundles), home_(std::move(home)), environment_(std::move(environment)) {}
 
 bool LinuxWorkspace::openUrl(const std::string& url) { return openInDefaultHandler(url, environment_); }
@@ -24,15 +24,15 @@ Result<void> LinuxWorkspace::launchApplication(const std::string& bundlePath,
         name->find_first_of(std::string("/\0", 2)) != std::string::npos)
         return posix_backend::posixError(EINVAL, bundlePath);
 
-    posix_backend::ChildProcess child;
+    ChildProcess child;
     child.executable = home_.resolve(bundlePath + "/Contents/MacOS/" + *name);
     child.arguments = arguments;
     child.environment = environment_;
     child.detached = true;
-    const Result<pid_t> started = posix_backend::spawn(child);
+    const Result<pid_t> started = spawn(child);
     if (!started)
         return started.error();
-    posix_backend::reapInBackground(started.value());
+    reapInBackground(started.value());
     return {};
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/bundle.h"
+#include "platform/linux/ports/child_process.h"
 #include "platform/linux/ports/home_folder.h"
-#include "platform/posix/child_process.h"
 #include "platform/workspace.h"
 
 namespace lumora::platform::linux_backend {
@@ -11,7 +11,7 @@ namespace lumora::platform::linux_backend {
 class LinuxWorkspace final : public Workspace {
   public:
     /// @param environment  what launched programs get, free of what the application set for its own window
-    LinuxWorkspace(Bundles& bundles, HomeFolder home, posix_backend::Environment environment);
+    LinuxWorkspace(Bundles& bundles, HomeFolder home, Environment environment);
 
     bool openUrl(const std::string& url) override;
     Result<void> launchApplication(const std::string& bundlePath,
@@ -20,7 +20,7 @@ class LinuxWorkspace final : public Workspace {
   private:
     Bundles& bundles_;
     const HomeFolder home_;
-    const posix_backend::Environment environment_;
+    const Environment environment_;
 };
 
 } // namespace lumora::platform::linux_backend

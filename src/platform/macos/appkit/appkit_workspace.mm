@@ -18,14 +18,11 @@ bool AppKitWorkspace::openUrl(const std::string& url) {
 Result<void> AppKitWorkspace::launchApplication(const std::string& bundlePath,
                                                 const std::vector<std::string>& arguments) {
     return atPort([&]() -> Result<void> {
-        NSMutableArray<NSString*>* list = [NSMutableArray array];
-        for (const auto& argument : arguments)
-            [list addObject:nsString(argument)];
         NSError* error = nil;
         NSRunningApplication* application = [NSWorkspace.sharedWorkspace
             launchApplicationAtURL:[NSURL fileURLWithPath:nsString(bundlePath)]
                            options:NSWorkspaceLaunchAsync
-                     configuration:@{NSWorkspaceLaunchConfigurationArguments : list}
+                     configuration:@{NSWorkspaceLaunchConfigurationArguments : listOf(arguments)}
                              error:&error];
         if (application == nil)
             return errorOf(error);

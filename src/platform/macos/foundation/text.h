@@ -5,6 +5,7 @@
 #import <Foundation/Foundation.h>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lumora::platform::macos_backend {
 
@@ -24,6 +25,14 @@ inline NSString* nsString(const std::string& text) {
 
 /// The text in UTF-8, whole, with any NUL in it; nil is empty.
 inline std::string textOf(NSString* text) { return bytesOf([text dataUsingEncoding:NSUTF8StringEncoding]); }
+
+/// Texts as the platform holds them.
+inline NSArray<NSString*>* listOf(const std::vector<std::string>& texts) {
+    NSMutableArray<NSString*>* list = [NSMutableArray arrayWithCapacity:texts.size()];
+    for (const std::string& text : texts)
+        [list addObject:nsString(text)];
+    return list;
+}
 
 /// A platform error as the core's; nil, which no failure should give, is one without domain.
 inline Error errorOf(NSError* error) {

@@ -12,6 +12,7 @@
 #include "platform/macos/foundation/foundation_preferences.h"
 #include "platform/macos/foundation/foundation_property_lists.h"
 #include "platform/macos/foundation/foundation_system_versions.h"
+#include "platform/macos/foundation/foundation_tasks.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -64,6 +65,11 @@ inline std::unique_ptr<platform::SystemVersions> makeSystemVersions() {
     return std::make_unique<backend::FoundationSystemVersions>();
 }
 
+/// The environment is this process's.
+inline std::unique_ptr<platform::TaskRunner> makeTasks() {
+    return std::make_unique<backend::FoundationTasks>();
+}
+
 /// What prints the system's own words about itself.
 constexpr const char* kProductNameCommand = "sw_vers -productName";
 constexpr const char* kProductVersionCommand = "sw_vers -productVersion";
@@ -87,6 +93,7 @@ inline int errnoOf(const platform::Error& error) {
 #include "platform/linux/ports/linux_http_sessions.h"
 #include "platform/linux/ports/linux_property_lists.h"
 #include "platform/linux/ports/linux_system_versions.h"
+#include "platform/linux/ports/linux_task_runner.h"
 
 #include <functional>
 #include <memory>
@@ -105,8 +112,7 @@ inline std::unique_ptr<platform::AppleScripts> makeAppleScripts() {
         std::thread(std::move(work)).join();
         return true;
     };
-    return std::make_unique<backend::LinuxAppleScripts>(platform::posix_backend::currentEnvironment(),
-                                                        waitOnAThread);
+    return std::make_unique<backend::LinuxAppleScripts>(backend::currentEnvironment(), waitOnAThread);
 }
 
 inline std::unique_ptr<platform::Bundles> makeBundles() {
@@ -139,6 +145,10 @@ inline std::string homeOf(const std::string& chosen) { return chosen; }
 
 inline std::unique_ptr<platform::SystemVersions> makeSystemVersions() {
     return std::make_unique<backend::LinuxSystemVersions>();
+}
+
+inline std::unique_ptr<platform::TaskRunner> makeTasks() {
+    return std::make_unique<backend::LinuxTaskRunner>(backend::Environment{"PATH=/usr/bin:/bin"});
 }
 
 /// What prints the system's own words about itself.

@@ -50,6 +50,12 @@ typedef NS_OPTIONS(NSUInteger, NSDataReadingOptions) {
     API_AVAILABLE(macos(10.15), ios(13.0), watchos(6.0), tvos(13.0));
 @end
 
+@interface NSTask (Lumora)
+@property(nullable, copy) NSURL* executableURL API_AVAILABLE(macos(10.13))API_UNAVAILABLE(ios, watchos, tvos);
+- (BOOL)launchAndReturnError:(out NSError** _Nullable)error
+    API_AVAILABLE(macos(10.13))API_UNAVAILABLE(ios, watchos, tvos);
+@end
+
 extern NSString* const NSAppleScriptErrorMessage;
 extern NSString* const NSAppleScriptErrorNumber;
 

@@ -17,6 +17,11 @@ extern NSString* const NSFileProtectionComplete;
 - (BOOL)setAttributes:(NSDictionary*)attributes ofItemAtPath:(NSString*)path error:(NSError**)error;
 @end
 
+@interface NSTask (Lumora)
+@property(nonatomic, copy) NSURL* executableURL;
+- (BOOL)launchAndReturnError:(NSError**)error;
+@end
+
 @interface NSData (Lumora)
 + (id)dataWithContentsOfFile:(NSString*)path options:(NSUInteger)options error:(NSError**)error;
 @end

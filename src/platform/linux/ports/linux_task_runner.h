@@ -1,17 +1,17 @@
 #pragma once
 
-#include "platform/posix/child_process.h"
+#include "platform/linux/ports/child_process.h"
 #include "platform/task.h"
 
 #include <map>
 
-namespace lumora::platform::posix_backend {
+namespace lumora::platform::linux_backend {
 
 /// Runs tools as child processes.
-class PosixTaskRunner final : public TaskRunner {
+class LinuxTaskRunner final : public TaskRunner {
   public:
     /// @param substitutions  the tool to run in place of another, e.g. the bundle's own for "/usr/bin/hdiutil"
-    explicit PosixTaskRunner(Environment environment, std::map<std::string, std::string> substitutions = {});
+    explicit LinuxTaskRunner(Environment environment, std::map<std::string, std::string> substitutions = {});
 
     Result<TaskResult> run(const std::string& executable, const std::vector<std::string>& arguments,
                            TaskOutput output) override;
@@ -21,4 +21,4 @@ class PosixTaskRunner final : public TaskRunner {
     const std::map<std::string, std::string> substitutions_;
 };
 
-} // namespace lumora::platform::posix_backend
+} // namespace lumora::platform::linux_backend

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace lumora::platform::posix_backend {
+namespace lumora::platform::linux_backend {
 
 /// "NAME=value" entries.
 using Environment = std::vector<std::string>;
@@ -35,4 +35,4 @@ void reapInBackground(pid_t child);
 /// Waits for the end of a child: its exit status, or the number of the signal that ended it.
 Result<int> waitForChild(pid_t child);
 
-} // namespace lumora::platform::posix_backend
+} // namespace lumora::platform::linux_backend

@@ -1,4 +1,4 @@
-#include "platform/posix/posix_task_runner.h"
+#include "platform/linux/ports/linux_task_runner.h"
 
 #include "platform/posix/posix_error.h"
 #include "platform/posix/unique_fd.h"
@@ -10,9 +10,12 @@
 #include <cerrno>
 #include <utility>
 
-namespace lumora::platform::posix_backend {
+namespace lumora::platform::linux_backend {
 
 namespace {
+
+using posix_backend::posixError;
+using posix_backend::UniqueFd;
 
 struct Pipe {
     UniqueFd readEnd;
@@ -22,16 +25,7 @@ struct Pipe {
 Result<Pipe> makePipe() {
     std::array<int, 2> ends{-1, -1};
     // Closed on exec: a child that another thread starts meanwhile would keep the pipe from ever ending.
-#ifdef __APPLE__
-    const int failed = ::pipe(ends.data());
-    for (const int end : ends) {
-        if (failed == 0)
-            ::fcntl(end, F_SETFD, FD_CLOEXEC);
-    }
-#else
-    const int failed = ::pipe2(ends.data(), O_CLOEXEC);
-#endif
-    if (failed != 0)
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         return posixError(errno, "pipe");
     return Pipe{UniqueFd(ends[0]), UniqueFd(ends[1])};
 }
@@ -50,10 +44,10 @@ std::string readToEnd(int descriptor) {
 
 } // namespace
 
-PosixTaskRunner::PosixTaskRunner(Environment environment, std::map<std::string, std::string> substitutions)
+LinuxTaskRunner::LinuxTaskRunner(Environment environment, std::map<std::string, std::string> substitutions)
     : environment_(std::move(environment)), substitutions_(std::move(substitutions)) {}
 
-Result<TaskResult> PosixTaskRunner::run(const std::string& executable,
+Result<TaskResult> LinuxTaskRunner::run(const std::string& executable,
                                         const std::vector<std::string>& arguments, TaskOutput output) {
     const auto substitution = substitutions_.find(executable);
     ChildProcess child;
@@ -85,4 +79,4 @@ Result<TaskResult> PosixTaskRunner::run(const std::string& executable,
     return result;
 }
 
-} // namespace lumora::platform::posix_backend
+} // namespace lumora::platform::linux_backend

@@ -1,6 +1,7 @@
-#include "platform/posix/child_process.h"
+#include "platform/linux/ports/child_process.h"
 
 #include "platform/posix/posix_error.h"
+#include "platform/task.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -13,9 +14,11 @@
 
 extern "C" char** environ;
 
-namespace lumora::platform::posix_backend {
+namespace lumora::platform::linux_backend {
 
 namespace {
+
+using posix_backend::posixError;
 
 class FileActions {
   public:
@@ -28,14 +31,7 @@ class FileActions {
         keep(posix_spawn_file_actions_addopen(get(), number, "/dev/null", flags, 0));
     }
     void duplicate(int from, int to) { keep(posix_spawn_file_actions_adddup2(get(), from, to)); }
-    void closeFrom(int first) {
-#ifdef __APPLE__
-        static_cast<void>(first); // the attribute POSIX_SPAWN_CLOEXEC_DEFAULT does it there
-#else
-        keep(posix_spawn_file_actions_addclosefrom_np(get(), first));
-#endif
-    }
-
+    void closeFrom(int first) { keep(posix_spawn_file_actions_addclosefrom_np(get(), first)); }
     void enterFolder(const char* path) { keep(posix_spawn_file_actions_addchdir_np(get(), path)); }
 
     [[nodiscard]] posix_spawn_file_actions_t* get() { return &actions_; }
@@ -61,9 +57,6 @@ class Attributes {
         int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
         if (detached)
             flags |= POSIX_SPAWN_SETSID;
-#ifdef __APPLE__
-        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
-#endif
         posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
     }
     ~Attributes() { posix_spawnattr_destroy(&attributes_); }
@@ -98,10 +91,8 @@ Environment currentEnvironment() {
 Result<pid_t> spawn(const ChildProcess& child) {
     if (!child.executable.starts_with('/'))
         return posixError(ENOENT, child.executable);
-    for (const std::string& argument : child.arguments) {
-        if (argument.find('\0') != std::string::npos)
-            return posixError(EINVAL, child.executable); // it would arrive cut short
-    }
+    if (!arriveWhole(child.arguments))
+        return posixError(EINVAL, child.executable);
 
     FileActions actions;
     actions.openNull(STDIN_FILENO, O_RDONLY);
@@ -144,4 +135,4 @@ void reapInBackground(pid_t child) {
     }).detach(); // how it ended is nobody's business
 }
 
-} // namespace lumora::platform::posix_backend
+} // namespace lumora::platform::linux_backend
