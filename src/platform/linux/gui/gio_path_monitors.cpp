@@ -1,58 +1,27 @@
 #include "platform/linux/gui/gio_path_monitors.h"
 
 #include "platform/linux/glib_handles.h"
+#include "support/one_time_path_monitor.h"
 
-#include <mutex>
+#include <utility>
 
 namespace lumora::platform::linux_backend {
 
 namespace {
 
-using Handler = std::function<void(PathStatus)>;
-
-/// What the main thread and the reporting thread share.
-class Reporter {
-  public:
-    void setHandler(Handler handler) {
-        const std::lock_guard lock(mutex_);
-        handler_ = std::move(handler);
-    }
-
-    void cancel() {
-        const std::lock_guard lock(mutex_);
-        cancelled_ = true;
-        handler_ = nullptr;
-    }
-
-    /// Calls the handler of this moment, without the lock: it may replace itself.
-    void report(PathStatus status) {
-        Handler handler;
-        {
-            const std::lock_guard lock(mutex_);
-            if (!cancelled_)
-                handler = handler_;
-        }
-        if (handler)
-            handler(status);
-    }
-
-  private:
-    std::mutex mutex_;
-    Handler handler_;
-    bool cancelled_ = false;
-};
+using Report = std::function<void(PathStatus)>;
 
 struct Update {
-    std::shared_ptr<Reporter> reporter;
+    Report report;
     PathStatus status;
 };
 
 void deliver(gpointer data, gpointer) {
     const std::unique_ptr<Update> update(static_cast<Update*>(data));
-    update->reporter->report(update->status);
+    update->report(update->status);
 }
 
-class GioPathMonitor final : public PathMonitor {
+class GioPathMonitor final : public OneTimePathMonitor {
   public:
     GioPathMonitor() : queue_(g_thread_pool_new(deliver, nullptr, 1, FALSE, nullptr)) {}
 
@@ -63,12 +32,9 @@ class GioPathMonitor final : public PathMonitor {
     GioPathMonitor(const GioPathMonitor&) = delete;
     GioPathMonitor& operator=(const GioPathMonitor&) = delete;
 
-    void setUpdateHandler(Handler handler) override { reporter_->setHandler(std::move(handler)); }
-
-    void start() override {
-        if (started_)
-            return;
-        started_ = true;
+  private:
+    void begin(Report report) override {
+        report_ = std::move(report);
         // The system's monitor is one for the process and reports to the thread that asks for it first.
         GNetworkMonitor* system = g_network_monitor_get_default();
         changes_ = std::make_unique<SignalConnections>(system);
@@ -76,26 +42,20 @@ class GioPathMonitor final : public PathMonitor {
         enqueue(g_network_monitor_get_network_available(system));
     }
 
-    void cancel() override {
-        started_ = true; // a cancelled monitor stays cancelled
-        changes_.reset();
-        reporter_->cancel();
-    }
+    void end() override { changes_.reset(); }
 
-  private:
     static void networkChanged(GNetworkMonitor*, gboolean available, gpointer self) {
         static_cast<GioPathMonitor*>(self)->enqueue(available);
     }
 
     void enqueue(gboolean available) {
         const PathStatus status = available == FALSE ? PathStatus::unsatisfied : PathStatus::satisfied;
-        g_thread_pool_push(queue_, new Update{reporter_, status}, nullptr);
+        g_thread_pool_push(queue_, new Update{report_, status}, nullptr);
     }
 
-    std::shared_ptr<Reporter> reporter_ = std::make_shared<Reporter>();
+    Report report_;
     GThreadPool* queue_;
     std::unique_ptr<SignalConnections> changes_;
-    bool started_ = false;
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "platform/linux/ports/binary_property_list_check.h"
 
 #include "platform/linux/ports/property_list_limits.h"
+#include "support/property_lists.h"
 
 #include <algorithm>
 #include <cstddef>

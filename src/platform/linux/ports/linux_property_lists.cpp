@@ -5,6 +5,7 @@
 #include "platform/linux/ports/property_list_limits.h"
 #include "platform/linux/ports/xml_property_list_writer.h"
 #include "platform/linux/ports/xml_text.h"
+#include "support/property_lists.h"
 
 #include <plist/plist.h>
 
@@ -195,7 +196,9 @@ Result<PropertyListValue> LinuxPropertyLists::parse(std::string_view bytes) {
 }
 
 Result<std::string> LinuxPropertyLists::serializeXml(const PropertyListValue& value) {
-    return writeXmlPropertyList(value);
+    if (auto fault = faultAsXml(value))
+        return std::move(*fault);
+    return xmlPropertyList(value);
 }
 
 } // namespace lumora::platform::linux_backend

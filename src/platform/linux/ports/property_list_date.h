@@ -7,8 +7,8 @@
 
 namespace lumora::platform::linux_backend {
 
-/// "2026-11-21T09:41:07Z", the XML form, which has no fractions; absent outside the years 1 to 9999.
-[[nodiscard]] std::optional<std::string> xmlDate(PropertyListDate date);
+/// "2026-11-21T09:41:07Z", the XML form, which has no fractions. The year is one of 1 to 9999.
+[[nodiscard]] std::string xmlDate(PropertyListDate date);
 
 /// The inverse; absent when the text is no such date.
 [[nodiscard]] std::optional<PropertyListDate> dateFromXml(const std::string& text);

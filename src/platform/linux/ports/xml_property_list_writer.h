@@ -2,10 +2,12 @@
 
 #include "platform/property_list.h"
 
+#include <string>
+
 namespace lumora::platform::linux_backend {
 
-/// The value as an XML 1.0 property list that any strict reader takes back unchanged. An error for what the format
-/// cannot carry: characters outside XML's, dates outside the years 1 to 9999, nesting beyond the limit.
-Result<std::string> writeXmlPropertyList(const PropertyListValue& value);
+/// The value as an XML 1.0 property list that any strict reader takes back unchanged. It is one that XML carries: see
+/// faultAsXml.
+[[nodiscard]] std::string xmlPropertyList(const PropertyListValue& value);
 
 } // namespace lumora::platform::linux_backend

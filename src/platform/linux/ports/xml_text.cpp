@@ -1,19 +1,11 @@
 #include "platform/linux/ports/xml_text.h"
 
-#include <utf8proc.h>
-
 #include <algorithm>
 #include <array>
 
 namespace lumora::platform::linux_backend {
 
 namespace {
-
-bool isXmlCharacter(utf8proc_int32_t character) {
-    if (character < 0x20)
-        return character == '\t' || character == '\n' || character == '\r';
-    return character != 0xFFFE && character != 0xFFFF;
-}
 
 // Markup whose inside is not markup.
 struct Opaque {
@@ -26,20 +18,6 @@ bool opensContainer(std::string_view tag) { return tag.starts_with("<dict") || t
 bool closesContainer(std::string_view tag) { return tag.starts_with("</dict") || tag.starts_with("</array"); }
 
 } // namespace
-
-bool isXmlText(std::string_view text) {
-    const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-    auto left = static_cast<utf8proc_ssize_t>(text.size());
-    while (left > 0) {
-        utf8proc_int32_t character = 0;
-        const utf8proc_ssize_t length = utf8proc_iterate(bytes, left, &character);
-        if (length <= 0 || !isXmlCharacter(character))
-            return false;
-        bytes += length;
-        left -= length;
-    }
-    return true;
-}
 
 std::string escapedForXml(std::string_view text) {
     std::string escaped;

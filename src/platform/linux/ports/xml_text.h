@@ -5,9 +5,6 @@
 
 namespace lumora::platform::linux_backend {
 
-/// Whether the bytes are UTF-8 made of the characters that XML 1.0 allows.
-[[nodiscard]] bool isXmlText(std::string_view text);
-
 /// The text with what would be markup, or changed by a reader's line-end rule, written as entities.
 [[nodiscard]] std::string escapedForXml(std::string_view text);
 

@@ -2,23 +2,17 @@
 
 #include "platform/macos/foundation/objc_exceptions.h"
 #include "platform/macos/foundation/property_list_values.h"
+#include "support/property_lists.h"
 
 namespace lumora::platform::macos_backend {
 
-namespace {
-
-NSError* errorWithCode(NSInteger code) {
-    return [NSError errorWithDomain:NSCocoaErrorDomain code:code userInfo:nil];
-}
-
-} // namespace
-
 Result<PropertyListValue> FoundationPropertyLists::parse(std::string_view bytes) {
     return atPort([&]() -> Result<PropertyListValue> {
-        NSError* error = errorWithCode(NSPropertyListReadCorruptError);
+        NSError* error = [NSError errorWithDomain:NSCocoaErrorDomain
+                                             code:NSPropertyListReadCorruptError
+                                         userInfo:nil];
         NSPropertyListFormat format = NSPropertyListOpenStepFormat;
-        id list = [NSPropertyListSerialization propertyListWithData:[NSData dataWithBytes:bytes.data()
-                                                                                   length:bytes.size()]
+        id list = [NSPropertyListSerialization propertyListWithData:dataOf(bytes)
                                                             options:NSPropertyListImmutable
                                                              format:&format
                                                               error:&error];
@@ -31,17 +25,16 @@ Result<PropertyListValue> FoundationPropertyLists::parse(std::string_view bytes)
 
 Result<std::string> FoundationPropertyLists::serializeXml(const PropertyListValue& value) {
     return atPort([&]() -> Result<std::string> {
-        NSError* error = errorWithCode(NSPropertyListWriteInvalidError);
-        id list = objectFrom(value, Writable::asXml);
-        if (list == nil)
-            return errorOf(error);
-        NSData* data = [NSPropertyListSerialization dataWithPropertyList:list
+        if (auto fault = faultAsXml(value))
+            return std::move(*fault);
+        NSError* error = nil;
+        NSData* data = [NSPropertyListSerialization dataWithPropertyList:objectFrom(value)
                                                                   format:NSPropertyListXMLFormat_v1_0
                                                                  options:0
                                                                    error:&error];
         if (data == nil)
             return errorOf(error);
-        return std::string(static_cast<const char*>(data.bytes), data.length);
+        return bytesOf(data);
     });
 }
 

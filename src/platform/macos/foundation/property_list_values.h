@@ -8,12 +8,8 @@
 
 namespace lumora::platform::macos_backend {
 
-/// Which texts and dates a property list may hold.
-enum class Writable { inMemory, asXml };
-
-/// The value as property list objects; nil for one that these cannot hold: text that is not UTF-8, nesting without end,
-/// and for XML the characters that it forbids and dates of no four-digit year.
-id objectFrom(const PropertyListValue& value, Writable writable = Writable::inMemory);
+/// The value as property list objects.
+id objectFrom(const PropertyListValue& value);
 
 /// The objects as a value; absent for nil and for what no property list holds.
 std::optional<PropertyListValue> valueFrom(id object);

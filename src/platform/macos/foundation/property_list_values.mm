@@ -2,67 +2,32 @@
 
 #include "platform/macos/foundation/text.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace lumora::platform::macos_backend {
 
 namespace {
 
-constexpr int kDeepestNesting = 512;           // the platform's own reader goes no deeper
-constexpr double kYear10000 = 252'455'616'000; // in seconds since the reference date
-
-bool isXml(const std::string& text) {
-    const auto isForbidden = [](char byte) {
-        return byte >= 0 && byte < ' ' && byte != '\t' && byte != '\n' && byte != '\r';
-    };
-    return std::none_of(text.begin(), text.end(), isForbidden) && text.find("\xEF\xBF\xBE") == text.npos &&
-           text.find("\xEF\xBF\xBF") == text.npos;
-}
-
 struct ObjectMaker {
-    Writable writable;
-    int level = 0;
-
-    id operator()(const std::string& text) const {
-        if (writable == Writable::asXml && !isXml(text))
-            return nil;
-        return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
-    }
-    id operator()(std::int64_t number) const { return [NSNumber numberWithLongLong:number]; }
-    id operator()(double number) const { return [NSNumber numberWithDouble:number]; }
+    id operator()(const std::string& text) const { return nsString(text); }
+    id operator()(std::int64_t number) const { return @(number); }
+    id operator()(double number) const { return @(number); }
     id operator()(bool flag) const { return [NSNumber numberWithBool:flag]; }
     id operator()(const PropertyListData& data) const {
         return [NSData dataWithBytes:data.bytes.data() length:data.bytes.size()];
     }
     id operator()(const PropertyListDate& date) const {
-        if (writable == Writable::asXml && !(std::abs(date.secondsSinceReferenceDate) < kYear10000))
-            return nil;
         return [NSDate dateWithTimeIntervalSinceReferenceDate:date.secondsSinceReferenceDate];
     }
     id operator()(const PropertyListArray& array) const {
         NSMutableArray* objects = [NSMutableArray arrayWithCapacity:array.size()];
-        for (const PropertyListValue& value : array) {
-            id object = inner(value);
-            if (object == nil)
-                return nil;
-            [objects addObject:object];
-        }
+        for (const PropertyListValue& value : array)
+            [objects addObject:objectFrom(value)];
         return objects;
     }
     id operator()(const PropertyListDictionary& dictionary) const {
         NSMutableDictionary* objects = [NSMutableDictionary dictionaryWithCapacity:dictionary.size()];
-        for (const auto& [key, value] : dictionary) {
-            id name = (*this)(key);
-            id object = inner(value);
-            if (name == nil || object == nil)
-                return nil;
-            [objects setObject:object forKey:name];
-        }
+        for (const auto& [key, value] : dictionary)
+            [objects setObject:objectFrom(value) forKey:nsString(key)];
         return objects;
-    }
-    id inner(const PropertyListValue& value) const {
-        return level == kDeepestNesting ? nil : std::visit(ObjectMaker{writable, level + 1}, value.storage());
     }
 };
 
@@ -80,9 +45,7 @@ PropertyListValue valueOf(NSNumber* number) {
 
 } // namespace
 
-id objectFrom(const PropertyListValue& value, Writable writable) {
-    return std::visit(ObjectMaker{writable}, value.storage());
-}
+id objectFrom(const PropertyListValue& value) { return std::visit(ObjectMaker{}, value.storage()); }
 
 std::optional<PropertyListValue> valueFrom(id object) {
     if ([object isKindOfClass:[NSString class]])

@@ -20,7 +20,6 @@ typedef NSString* NSRunLoopMode NS_TYPED_EXTENSIBLE_ENUM;
 
 enum {
     NSPropertyListReadCorruptError API_AVAILABLE(macos(10.6), ios(4.0), watchos(2.0), tvos(9.0)) = 3840,
-    NSPropertyListWriteInvalidError API_AVAILABLE(macos(10.10), ios(8.0), watchos(2.0), tvos(9.0)) = 3852,
 };
 
 extern NSString* const NSFileProtectionKey API_AVAILABLE(macos(11.0), ios(4.0), watchos(2.0), tvos(9.0));

@@ -8,7 +8,7 @@
 #undef _
 #undef __
 
-enum { NSPropertyListReadCorruptError = 3840, NSPropertyListWriteInvalidError = 3852 };
+enum { NSPropertyListReadCorruptError = 3840 };
 
 extern NSString* const NSFileProtectionKey;
 extern NSString* const NSFileProtectionComplete;
