@@ -18,6 +18,8 @@ namespace {
 
 constexpr const char* kFolderVariable = "LUMORA_CONTRACT_PREFERENCES";
 constexpr uid_t kOrdinaryUser = 65534;
+constexpr fs::perms kOwnFolder{0755};
+constexpr fs::perms kOthersFolder{0555}; // as it is to all but the superuser
 
 std::string fileIn(const std::string& folder, const std::string& domain) {
     return folder + "/" + domain + ".plist";
@@ -46,13 +48,16 @@ PreferencesWorld::PreferencesWorld() : state_(std::make_unique<State>()) {
     ::setenv(kFolderVariable, folder.c_str(), 1);
     fs::permissions(folder, fs::perms(0755));
     fs::create_directory(state_->folders.system);
+    fs::permissions(state_->folders.system, kOthersFolder);
     fs::create_directory(state_->folders.user);
     fs::permissions(state_->folders.user, fs::perms(0777)); // whoever the ordinary user is
 }
 
 PreferencesWorld::~PreferencesWorld() {
-    if (state_->own)
-        ::unsetenv(kFolderVariable);
+    if (!state_->own)
+        return;
+    fs::permissions(state_->folders.system, kOwnFolder); // to be removed
+    ::unsetenv(kFolderVariable);
 }
 
 std::unique_ptr<platform::Preferences>
@@ -71,7 +76,9 @@ PropertyListDictionary PreferencesWorld::stored(const std::string& domain) {
 }
 
 bool PreferencesWorld::storeForAllUsers(const PropertyListDictionary& values) {
+    fs::permissions(state_->folders.system, kOwnFolder);
     state_->store(state_->folders.system, values);
+    fs::permissions(state_->folders.system, kOthersFolder);
     return true;
 }
 
