@@ -8,4 +8,7 @@ namespace datacentre::agent {
 // is no display. Main thread.
 void showAgentWindow(const JoinDetails& details);
 
+// Instead of a window: tells a system that waits for a started application to be ready that this one is. Main thread.
+void standWithoutWindow();
+
 } // namespace datacentre::agent

@@ -38,4 +38,10 @@ void showAgentWindow(const JoinDetails& details) {
     }
 }
 
+void standWithoutWindow() {
+    @autoreleasepool {
+        [NSApplication.sharedApplication finishLaunching];
+    }
+}
+
 } // namespace datacentre::agent

@@ -36,6 +36,8 @@ int main(int argc, char** argv) {
                            agent::describeStart(std::vector<std::string>(argv, argv + argc), details));
         if (std::getenv("OVRA_AGENT_HEADLESS") == nullptr)
             agent::showAgentWindow(details);
+        else
+            agent::standWithoutWindow();
         return EXIT_SUCCESS;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "ovra-agent: %s\n", error.what());

@@ -6,7 +6,7 @@ import pathlib
 import shutil
 import subprocess
 
-from harness import bundles, desktop, places, system, waiting
+from harness import bundles, desktop, machine, places, system, waiting
 from harness.case import (TOKEN, WEB_SERVER,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 from harness.update_case import (BANNER, BEGUN, CHECK_PATH, COPIED, COPY, DETACHED, DOWNLOAD, DOWNLOADED, IMAGE_PATH,
@@ -150,6 +150,7 @@ class Places(UpdateCase):
     bundle = pathlib.Path("/Applications/Kim's Übungen/Ovra Tessel Lumora.app")
 
     def setUp(self):
+        machine.expect(self.bundle.parent)
         self.bundle.parent.mkdir(exist_ok=True)
         self.addCleanup(shutil.rmtree, self.bundle.parent)
         super().setUp()

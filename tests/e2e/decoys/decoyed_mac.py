@@ -22,7 +22,13 @@ ORDINARY = ["basename", "bash", "cat", "chmod", "cp", "dirname", "env", "grep", 
 TOOLS = {
     "sudo": '[ ! -e "$MAC/asks-for-a-password" ] || { echo "sudo: a password is required" >&2; exit 1; }\n'
             '[ "$1" = -n ] && shift\nexec "$@"',
-    "launchctl": 'cat "$MAC/manager"',
+    "launchctl": """
+case "$1" in
+  managername) cat "$MAC/manager" ;;
+  getenv) cat "$MAC/variable-$2" 2>/dev/null || true ;;
+  setenv) echo "$3" > "$MAC/variable-$2" ;;
+  unsetenv) rm -f "$MAC/variable-$2" ;;
+esac""",
     "dscacheutil": "true",
     "killall": "exit 1",
     # The system's own: the decoyed Mac has no other processes than these.

@@ -36,6 +36,12 @@ def tearDownModule():
 
 
 class HarnessCase(unittest.TestCase):
+    @staticmethod
+    def take_back():
+        """As the world does at its end."""
+        mac = macs.Mac()
+        return Changes(mac, Journal(mac.state)).undo_all()
+
     def setUp(self):
         MAC.calls_file.unlink(missing_ok=True)
         self.volumes = mock.patch.object(machine, "VOLUMES", MAC.root / "Volumes")
@@ -70,6 +76,16 @@ class Homes(HarnessCase):
         kept = ROOT / "homes/cases.Test.test/Library/Logs/OvraTessel/OvraLumora/ovraLumora.log"
         self.assertEqual(kept.read_text(), "a line")
 
+    def test_what_a_test_puts_elsewhere_is_recorded_once(self):
+        folder = MAC.root / "Applications/Kim's Übungen"
+        self.addCleanup(self.take_back)
+        machine.expect(folder)
+        machine.expect(folder)
+        folder.mkdir()
+        self.assertEqual(len(Journal(macs.Mac().state).entries()), 1)
+        self.assertEqual(self.take_back(), [])
+        self.assertFalse(folder.exists())
+
     def test_volumes_of_the_product_are_detached_and_no_other(self):
         for name in ("Ovra", "Ovra 1", "Lumora Plugin", "Macintosh HD"):
             (MAC.root / "Volumes" / name).mkdir()
@@ -99,10 +115,6 @@ class Trust(HarnessCase):
         self.certificate.write_text("-----BEGIN CERTIFICATE-----\nAAAA\n-----END CERTIFICATE-----\n")
         self.digest = "29E2DCFBB16F63BB0254DF7585A15BB6FB5E927D"  # of three bytes of nought
         self.before = self.KEYCHAIN.read_text()
-
-    def take_back(self):
-        mac = macs.Mac()
-        return Changes(mac, Journal(mac.state)).undo_all()
 
     def test_an_authority_is_trusted_and_taken_back_by_the_world(self):
         machine.trust(self.certificate)
@@ -283,7 +295,7 @@ class Desktop(HarnessCase):
         self.assertIn("(en)", desktop.ARGUMENTS)
 
     def test_windows_have_their_titles(self):
-        self.hand(windows=[{"number": 7, "title": "Hilfe für Zoë"}])
+        self.hand(windows=[{"number": 7, "title": "Hilfe für Zoë", "key": False}])
         self.assertEqual(desktop.windows_of(4242), {"4242:7": "Hilfe für Zoë"})
 
     def test_without_a_hand_there_is_no_window_and_nothing_to_press(self):
@@ -292,10 +304,11 @@ class Desktop(HarnessCase):
             desktop.press("4242:7", "Return")
 
     def test_keys_are_pressed_one_by_one(self):
-        hand = self.hand(done=True)
+        hand = self.hand(done=True, windows=[{"number": 7, "title": "", "key": True}])
         desktop.press("4242:7", desktop.CLOSE_KEY, "Return")
         desktop.type_text("4242:7", "a+")
-        self.assertEqual(hand.asked, [{"do": "press", "window": 7, "key": "w", "command": True},
+        self.assertEqual(hand.asked[:2], [{"do": "activate", "window": 7}, {"do": "windows"}])
+        self.assertEqual([one for one in hand.asked if one["do"] == "press"], [{"do": "press", "window": 7, "key": "w", "command": True},
                                       {"do": "press", "window": 7, "key": "\r", "command": False},
                                       {"do": "press", "window": 7, "key": "a", "command": False},
                                       {"do": "press", "window": 7, "key": "+", "command": False}])
@@ -304,6 +317,19 @@ class Desktop(HarnessCase):
         self.hand(error="no such window")
         with self.assertRaisesRegex(AssertionError, "no such window"):
             desktop.click("4242:7", 400, 400)
+
+    def test_what_another_application_keeps_behind_it_is_pressed_all_the_same(self):
+        hand = self.hand(done=True, windows=[{"number": 7, "title": "", "key": False}])
+        with mock.patch.object(desktop, "PATIENCE_SECONDS", 0.1):
+            desktop.press("4242:7", "Return")
+        self.assertEqual(hand.asked[-1], {"do": "press", "window": 7, "key": "\r", "command": False})
+
+    def test_sockets_of_processes_that_are_gone_are_removed(self):
+        (MAC.root / "hand.311").touch()
+        (MAC.root / "handle").touch()
+        desktop.forget_hands()
+        self.assertFalse((MAC.root / "hand.311").exists())
+        self.assertTrue((MAC.root / "handle").exists())
 
     def test_colours_are_counted_in_one_look(self):
         hand = self.hand(pixels=800000, counts=[1200, 0])

@@ -47,6 +47,7 @@ class MacWorld(unittest.TestCase):
         self.mac.put(SUPPORT, "the user's")
         self.mac.put_preferences(USER, {"DC": "com", "name": "Kim"})
         self.mac.put_preferences(MACHINE, {"pathForLumora": "join"})
+        self.mac.put("variable-OVRA_AGENT_HEADLESS", "the user's\n")
         return self.mac.picture()
 
     def python(self, script):
@@ -82,6 +83,11 @@ class Arrangement(MacWorld):
         look = "import os; m = os.environ['LUMORA_DECOYED_MAC']; " + "; ".join(
             f"assert not os.path.exists(m + '/{place}'), '{place}'" for place in (BUNDLE, SUPPORT, USER, MACHINE))
         self.assertEqual(self.mac.enter(*self.python(look)), (0, []))
+
+    def test_agents_end_without_a_window(self):
+        look = "import pathlib, os; print(pathlib.Path(os.environ['LUMORA_DECOYED_MAC'], 'variable-OVRA_AGENT_HEADLESS').read_text())"
+        process = self.mac.begin(*self.python(look))
+        self.assertEqual(process.communicate(timeout=60)[0].strip(), "1")
 
     def test_the_callers_shell_is_left_behind(self):
         self.mac.enter(*self.python(SEEN), HTTPS_PROXY="http://10.0.0.1", DYLD_LIBRARY_PATH="/x", LUMORA_ROUNDS="2")
@@ -187,30 +193,34 @@ class Restoration(MacWorld):
         self.assertEqual(self.mac.enter(*self.python(look)), (0, []))
         self.assert_restored(before)
 
-    def test_after_a_kill_by_the_command_for_it_without_consent(self):
+    def test_after_a_kill_by_the_command_for_it_from_anywhere_without_consent(self):
         before = self.furnish()
         self.kill(self.begin_and_wait())
+        (self.mac.root / "manager").write_text("Background\n")
         self.assertEqual(self.mac.enter(options=["--restore"], LUMORA_E2E_IN_PLACE=""), (0, []))
+        (self.mac.root / "manager").write_text("Aqua\n")
         self.assert_restored(before)
 
     def test_after_a_kill_on_every_step(self):
         """Each tool in turn stops for ever: whatever has been done by then, the next run undoes."""
         before = self.furnish()
         self.assertEqual(self.mac.enter(*self.python(LEAVES)), (0, []))
-        steps = len(self.mac.calls("sudo"))
-        self.assertGreater(steps, 15)
-        for step in range(1, steps + 1):
-            for moment in ("before", "after"):
-                with self.subTest(step=step, moment=moment):
-                    self.stop_sudo_at(step, moment)
-                    process = self.mac.begin(*self.python(LEAVES))
-                    self.wait_until((self.mac.root / "run/stopped").exists)
-                    self.kill(process)
-                    process.stderr.close()
-                    process.stdout.close()
-                    self.mac.add_tool("sudo", "shift; exec \"$@\"")
-                    self.assertEqual(self.mac.enter(options=["--restore"]), (0, []))
-                    self.assert_restored(before)
+        tools = [words[1] for words in self.mac.calls("sudo")]
+        self.assertGreater(len(tools), 15)
+        # What is written down and not yet done is the same for every use of a tool.
+        moments = [(step, "after") for step in range(1, len(tools) + 1)] + \
+            [(tools.index(tool) + 1, "before") for tool in set(tools)]
+        for step, moment in moments:
+            with self.subTest(step=step, tool=tools[step - 1], moment=moment):
+                self.stop_sudo_at(step, moment)
+                process = self.mac.begin(*self.python(LEAVES))
+                self.wait_until((self.mac.root / "run/stopped").exists)
+                self.kill(process)
+                process.stderr.close()
+                process.stdout.close()
+                self.mac.add_tool("sudo", "shift; exec \"$@\"")
+                self.assertEqual(self.mac.enter(options=["--restore"]), (0, []))
+                self.assert_restored(before)
 
     def stop_sudo_at(self, step, moment):
         run = self.mac.root / "run"

@@ -30,7 +30,11 @@ NSArray<NSWindow*>* windows() {
 NSDictionary* listOfWindows() {
     NSMutableArray* list = [NSMutableArray array];
     for (NSWindow* window in windows())
-        [list addObject:@{@"number" : @(window.windowNumber), @"title" : window.title}];
+        [list addObject:@{
+            @"number" : @(window.windowNumber),
+            @"title" : window.title,
+            @"key" : @(window.isKeyWindow)
+        }];
     return @{@"windows" : list};
 }
 
@@ -61,19 +65,32 @@ NSEvent* keyEvent(NSEventType type, NSString* characters, NSEventModifierFlags f
                              keyCode:keyCode(characters)];
 }
 
+// Of the menu's entry that the key stands for; the window's own answer first, for it need not be the one in
+// front.
+void chooseByKey(NSString* key, NSMenu* menu, NSWindow* window) {
+    for (NSMenuItem* item in menu.itemArray) {
+        if (item.submenu != nil)
+            chooseByKey(key, item.submenu, window);
+        else if ([item.keyEquivalent isEqualToString:key] && ![window tryToPerform:item.action with:item])
+            [NSApplication.sharedApplication sendAction:item.action to:item.target from:item];
+    }
+}
+
 void press(NSString* key, bool command, NSWindow* window) {
-    bringToFront(window);
     const NSEventModifierFlags flags = command ? NSEventModifierFlagCommand : 0;
     NSEvent* down = keyEvent(NSEventTypeKeyDown, key, flags, window);
-    if (command && [NSApplication.sharedApplication.mainMenu performKeyEquivalent:down])
+    NSMenu* menu = NSApplication.sharedApplication.mainMenu;
+    if (command) {
+        if (!window.isKeyWindow || ![menu performKeyEquivalent:down])
+            chooseByKey(key, menu, window);
         return;
+    }
     [window sendEvent:down];
     [window sendEvent:keyEvent(NSEventTypeKeyUp, key, flags, window)];
 }
 
 // x and y count from the content's upper left corner.
 void click(CGFloat x, CGFloat y, NSWindow* window) {
-    bringToFront(window);
     NSView* content = window.contentView;
     const NSPoint place = NSMakePoint(x, NSHeight(content.frame) - y);
     for (const NSEventType type : {NSEventTypeLeftMouseDown, NSEventTypeLeftMouseUp})

@@ -4,8 +4,10 @@ From outside, macOS tells no window's title, shows no window's content and press
 person can give. Inside its own process the application needs none.
 """
 
+import contextlib
 import json
 import os
+import pathlib
 import socket
 import subprocess
 
@@ -17,6 +19,7 @@ QUIT_ENTRY = "Quit Ovra Tessel Lumora"
 ARGUMENTS = ["-AppleLanguages", "(en)", "-AppleLocale", "en_US", "-ApplePersistenceIgnoreState", "YES"]
 # A path of a socket may have no more than a hundred characters.
 SOCKETS = "/tmp/lumora-hand"
+PATIENCE_SECONDS = 3
 NO_COLOUR_IS_NEARER = 3  # of 255: the screen's own colours are not the page's to the last digit
 
 
@@ -71,22 +74,34 @@ def request_close(window):
     _send(pid, {"do": "close", "window": number}).close()
 
 
+def _is_key_window(window):
+    pid, number = _split(window)
+    answer = _ask(pid, do="windows") or {"windows": []}
+    return any(one["number"] == number and one["key"] for one in answer["windows"])
+
+
 def activate(window):
+    """The system may keep another application in front: then the window takes what is done to it behind that."""
     _do(window, do="activate")
+    with contextlib.suppress(AssertionError):
+        waiting.until(lambda: _is_key_window(window), "the window's focus", PATIENCE_SECONDS)
 
 
 def press(window, *keys):
+    activate(window)
     for key in keys:
         *modifiers, name = key.split("+")
         _do(window, do="press", key={"Return": "\r", "Tab": "\t"}.get(name, name), command="command" in modifiers)
 
 
 def type_text(window, text):
+    activate(window)
     for character in text:
         _do(window, do="press", key=character, command=False)
 
 
 def click(window, x, y):
+    activate(window)
     _do(window, do="click", x=x, y=y)
 
 
@@ -106,6 +121,13 @@ def is_drawn(window):
 
 def count_pixels(window, colours):
     return _counts(window, colours)["counts"]
+
+
+def forget_hands():
+    """The sockets of processes that are gone."""
+    folder, name = os.path.split(SOCKETS)
+    for path in pathlib.Path(folder).glob(name + ".*"):
+        path.unlink()
 
 
 def photograph(path):

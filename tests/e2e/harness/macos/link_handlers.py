@@ -6,6 +6,8 @@ import shutil
 import subprocess
 import tempfile
 
+from harness import places
+
 REGISTER = ("/System/Library/Frameworks/CoreServices.framework/Frameworks/LaunchServices.framework/Support/lsregister")
 SCRIPT = """on open location link
     do shell script "printf '%s\\\\n' " & quoted form of link & " >> " & quoted form of "{opened}"
@@ -15,7 +17,7 @@ end open location
 
 class Handler:
     def __init__(self, _, scheme):
-        self._folder = pathlib.Path(tempfile.mkdtemp(prefix="lumora-handler-"))
+        self._folder = pathlib.Path(tempfile.mkdtemp(prefix="link-handler-", dir=places.ROOT))
         self._opened = self._folder / "opened"
         self._bundle = self._folder / "Lumora Link Handler.app"
         source = self._folder / "handler.applescript"

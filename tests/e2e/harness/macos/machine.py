@@ -8,7 +8,8 @@ import signal
 import subprocess
 
 from harness import agent, places
-from harness.macos.world import changes, mac
+from harness.macos import desktop
+from harness.macos.world import changes, journal, mac
 from macos.in_place import ADDRESS as SERVER_ADDRESS, LISTEN as LISTEN_ADDRESS  # noqa: F401
 
 VOLUMES = pathlib.Path("/Volumes")
@@ -28,7 +29,7 @@ def fresh_home(name):
     home = places.Home(mac.home, mac.home / "Library/Logs/OvraTessel/Agent", folder / f"{name}.console.log")
     shutil.rmtree(folder / name, ignore_errors=True)
     for path in _places():
-        if path.exists() or path.is_symlink():
+        if os.path.lexists(path):
             shutil.rmtree(path) if path.is_dir() and not path.is_symlink() else path.unlink()
     mac.store(places.DOMAIN, {}, privileged=False)
     home.console.unlink(missing_ok=True)
@@ -39,6 +40,13 @@ def clear():
     for volume in volumes():
         subprocess.run(["hdiutil", "detach", "-force", "-quiet", volume], check=False)
     mac.store(mac.machine_domain, {}, privileged=True)
+    desktop.forget_hands()
+
+
+def expect(path):
+    """Recorded: the world takes away what comes there, and puts back what stood there."""
+    if not any(entry.get("path") == str(path) for entry in journal.entries()):
+        changes.move_aside(path)
 
 
 def volumes():
@@ -51,12 +59,12 @@ def trust(certificate):
 
 
 def end_agents(home):
-    """Each has a window, which waits for a person. What the test leaves is kept for one to look at."""
+    """Those that the system has started with a window all the same. The test's evidence is kept for a person to look at."""
     for record in agent.records(home):
         with contextlib.suppress(ProcessLookupError):
             os.kill(record["pid"], signal.SIGKILL)
     evidence = home.console.with_name(home.console.name.removesuffix(".console.log"))
-    for path in (home.log_folder, home.agent_folder, home.agent_records, home.connection_settings):
+    for path in (home.log_folder, home.agent_records, home.connection_settings):
         if path.is_dir():
             shutil.copytree(path, evidence / path.relative_to(home.path), symlinks=True, dirs_exist_ok=True)
         elif path.exists():

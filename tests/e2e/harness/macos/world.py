@@ -9,4 +9,5 @@ from macos.journal import Journal  # noqa: E402
 from macos.mac import Mac  # noqa: E402
 
 mac = Mac()
-changes = Changes(mac, Journal(mac.state))
+journal = Journal(mac.state)
+changes = Changes(mac, journal)

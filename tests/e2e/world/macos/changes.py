@@ -5,6 +5,7 @@ somebody else meanwhile stays as it is.
 """
 
 import hashlib
+import os.path
 import pathlib
 import shutil
 import ssl
@@ -67,16 +68,16 @@ class Changes:
     def move_aside(self, path):
         """Whatever stands there, to a name beside it: one step on any volume. Without anything, what comes is removed."""
         kept = path.with_name(f".{path.name}.kept-by-end-to-end-tests")
-        there = path.exists() or path.is_symlink()
+        there = os.path.lexists(path)  # of a folder that the system does not let look into: not there
         self._journal.note(kind="place", path=str(path), kept=str(kept), there=there)
         if there:
             self._mac.run_as_root("mv", path, kept)
 
     def _undo_place(self, entry):
         path, kept = pathlib.Path(entry["path"]), pathlib.Path(entry["kept"])
-        if entry["there"] and not (kept.exists() or kept.is_symlink()):
+        if entry["there"] and not os.path.lexists(kept):
             return  # never moved, or back already
-        if path.exists() or path.is_symlink():
+        if os.path.lexists(path):
             self._mac.run_as_root("chflags", "-R", "nouchg", path, check=False)
             self._mac.run_as_root("rm", "-rf", path)
         if entry["there"]:
@@ -94,6 +95,19 @@ class Changes:
     def _undo_preferences(self, entry):
         values = macs.plistlib.loads(pathlib.Path(entry["file"]).read_bytes())
         self._mac.store(entry["domain"], values, entry["privileged"])
+
+    # --- what the system hands to every application that it starts for this user
+
+    def set_variable(self, name, value):
+        before = self._mac.run("launchctl", "getenv", name).decode().rstrip("\n")
+        self._journal.note(kind="variable", name=name, before=before)
+        self._mac.run("launchctl", "setenv", name, value)
+
+    def _undo_variable(self, entry):
+        if entry["before"]:
+            self._mac.run("launchctl", "setenv", entry["name"], entry["before"])
+        else:
+            self._mac.run("launchctl", "unsetenv", entry["name"])
 
     # --- trust
 

@@ -25,16 +25,24 @@ GRACE_SECONDS = 5
 SIGNALS = (signal.SIGTERM, signal.SIGINT, signal.SIGHUP)
 
 
-def refusal(mac, consent_needed=True):
-    """Why the machine is left alone, or None."""
-    if consent_needed and os.environ.get(CONSENT) != "1":
-        return f"there are no private worlds on macOS; {CONSENT}=1 allows to change this Mac and to restore it at the end"
+def refusal_to_restore(mac):
+    """Why not even what a run has changed can be put back, or None."""
     if os.geteuid() == 0 and mac.root.parent == mac.root:
         return "to be run by the user at the screen, not by root"
-    if not mac.has_window_server():
-        return "this session has no window server: run it in a terminal on the Mac's screen"
     if not mac.has_rights():
         return "sudo asks for a password here: give it once with \"sudo -v\", or use an account that needs none"
+    return None
+
+
+def refusal(mac):
+    """Why the machine is left alone, or None."""
+    if os.environ.get(CONSENT) != "1":
+        return f"there are no private worlds on macOS; {CONSENT}=1 allows to change this Mac and to restore it at the end"
+    if not mac.has_window_server():
+        return "this session has no window server: run it in a terminal on the Mac's screen"
+    reason = refusal_to_restore(mac)
+    if reason:
+        return reason
     if mac.managed_preferences.exists():
         return f"this Mac is managed: {mac.managed_preferences} would configure the application under test"
     running = mac.product_processes()
@@ -45,13 +53,12 @@ def refusal(mac, consent_needed=True):
     return None
 
 
-def environment(mac, root):
+def environment(mac):
     """The user's own; what the shell happens to hold must not change what is seen."""
     kept = {name: value for name, value in os.environ.items()
             if name in ("PATH", "TERM", "TZ", "USER", "LOGNAME", "TMPDIR", "__CF_USER_TEXT_ENCODING")
             or name.startswith(("LUMORA_", "ASAN_", "TSAN_", "UBSAN_"))}
-    return kept | {"HOME": str(mac.home), "LANG": "en_US.UTF-8", "PYTHONDONTWRITEBYTECODE": "1",
-                   "LUMORA_WORLD": str(root)}
+    return kept | {"HOME": str(mac.home), "LANG": "en_US.UTF-8", "PYTHONDONTWRITEBYTECODE": "1"}
 
 
 def arrange(mac, changes):
@@ -59,6 +66,8 @@ def arrange(mac, changes):
         changes.move_aside(path)
     changes.set_preferences_aside(DOMAIN, privileged=False)
     changes.set_preferences_aside(mac.machine_domain, privileged=True)
+    # The system starts the agent, so the tests cannot tell it to end without a window.
+    changes.set_variable("OVRA_AGENT_HEADLESS", "1")
     changes.add_hosts(ADDRESS, hosts.names())
 
 
@@ -110,7 +119,7 @@ def end_group(child):
 
 def enter(wanted, mac=None):
     mac = mac or Mac()
-    reason = refusal(mac, consent_needed=not wanted.restore)
+    reason = refusal_to_restore(mac) if wanted.restore else refusal(mac)
     if reason:
         print(f"world: {reason}", file=sys.stderr)
         return REFUSED
@@ -127,7 +136,7 @@ def enter(wanted, mac=None):
     status = 1
     try:
         arrange(mac, changes)
-        status = run(wanted.command, environment(mac, wanted.root), lock, mac)
+        status = run(wanted.command, environment(mac), lock, mac)
     except ToolFailed as error:
         print(f"world: {error}", file=sys.stderr)
     finally:

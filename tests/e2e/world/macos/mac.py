@@ -91,7 +91,12 @@ class Mac:
 
     def exported(self, domain, privileged):
         run = self.run_as_root if privileged else self.run
-        return plistlib.loads(run("defaults", "export", domain, "-"))
+        try:
+            return plistlib.loads(run("defaults", "export", domain, "-"))
+        except ToolFailed as error:
+            if "does not exist" in str(error):
+                return {}
+            raise
 
     def store(self, domain, values, privileged):
         """Instead of whatever is stored there."""
