@@ -69,6 +69,9 @@ class WebView {
     /// Shows a local page that may read the folder it lies in. Nothing happens when that page already stands.
     virtual void loadFile(const std::string& path, const std::string& readAccessFolder) = 0;
 
+    /// The address of the host's newest load that is not shown yet, or else of the page that stands; empty: neither.
+    [[nodiscard]] virtual std::string address() = 0;
+
     /// Runs a script in the page; the completion gets the error, if any.
     virtual void evaluateJavaScript(const std::string& script,
                                     std::function<void(std::optional<Error>)> completion) = 0;

@@ -26,7 +26,6 @@ void ViewController::loadJoinPageURl() {
         return;
     }
     reloadAttempted_ = false;
-    showsOfflinePage_ = false;
     revival_.reset();
     webView().load(joinRequest(*url));
 }
@@ -42,7 +41,6 @@ void ViewController::showResourcePage(std::string name) {
     if (!path)
         return;                                                     // the view keeps what it shows
     const auto folder = std::filesystem::path(*path).parent_path(); // the page's own images lie beside it
-    showsOfflinePage_ = name == kNoInternetPage;
     webView().loadFile(*path, folder.string());
 }
 

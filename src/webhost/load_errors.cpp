@@ -42,7 +42,7 @@ void ViewController::handleWebViewError(const platform::Error& error) {
             return;
         }
         if (showsPages)
-            reloadOnce(url);
+            reloadOnce(url, error);
     }
     // Right after the reload: the customer sees this page while the reload is pending.
     if (showsPages)
@@ -51,7 +51,10 @@ void ViewController::handleWebViewError(const platform::Error& error) {
     print("URL NetTest : {}", url);
 }
 
-void ViewController::reloadOnce(const std::string& url) {
+void ViewController::reloadOnce(const std::string& url, const platform::Error& error) {
+    // Of many that the customer asks for nothing is heard again: they are a frame's, or never begin.
+    if (customersAddress_ && error.failingUrl == std::exchange(customersAddress_, std::nullopt))
+        reloadAttempted_ = false;
     // An engine may report this reload as failed when the offline page takes its place. Another reload then would
     // go round for ever.
     if (std::exchange(reloadAttempted_, true))

@@ -50,7 +50,7 @@ bool LoadJournal::failed(Navigation navigation, Failure failure) {
 }
 
 std::string LoadJournal::processEnded() {
-    std::string lost = awaited_.empty() ? standing_ : awaited_;
+    std::string lost = newest();
     hostWithdraws();
     standing_.clear();
     return lost;

@@ -34,6 +34,9 @@ class LoadJournal {
     /// The address of the host's newest load that is not shown yet, or empty.
     [[nodiscard]] const std::string& awaited() const { return awaited_; }
 
+    /// The one or, when there is none, the other.
+    [[nodiscard]] const std::string& newest() const { return awaited_.empty() ? standing_ : awaited_; }
+
     /// The address of the page that stands, or empty.
     [[nodiscard]] const std::string& standing() const { return standing_; }
 

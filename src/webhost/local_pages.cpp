@@ -15,4 +15,8 @@ bool namesLocalPage(std::string_view url) {
 
 bool isLocalPage(std::string_view url) { return url.starts_with("file:") && namesLocalPage(url); }
 
+bool isOfflinePage(std::string_view url) {
+    return isLocalPage(url) && url.find(kNoInternetPage) != std::string_view::npos;
+}
+
 } // namespace lumora

@@ -13,5 +13,6 @@ inline constexpr const char* kMisconfigurationPage = "MisconfigurationPage";
 
 /// Whether the address is that of a local page.
 [[nodiscard]] bool isLocalPage(std::string_view url);
+[[nodiscard]] bool isOfflinePage(std::string_view url);
 
 } // namespace lumora

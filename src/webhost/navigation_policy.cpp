@@ -49,10 +49,8 @@ platform::NavigationPolicy ViewController::decidePolicyFor(const platform::Navig
         isWebServerConfigured() ? SessionDetails::getInstance().webServerName() : std::nullopt;
     switch (judgeNavigation(action, server)) {
     case NavigationVerdict::allow:
-        if (action.type != NavigationType::reload && action.type != NavigationType::other) {
-            reloadAttempted_ = false; // the customer's own navigation is a load of its own
-            showsOfflinePage_ = false;
-        }
+        if (action.type != NavigationType::reload && action.type != NavigationType::other)
+            customersAddress_ = action.url;
         return platform::NavigationPolicy::allow;
     case NavigationVerdict::openDeepLink:
         handleDeepLink(*action.url);
@@ -68,7 +66,6 @@ void ViewController::createWebViewFor(const platform::NavigationAction& action) 
         return;
     platform::PageRequest request;
     request.url = *action.url;
-    showsOfflinePage_ = false;
     webView().load(request);
 }
 

@@ -3,9 +3,13 @@
 #include "webhost/local_pages.h"
 #include "webhost/view_controller.h"
 
+#include <utility>
+
 namespace lumora {
 
 namespace {
+
+constexpr std::chrono::seconds kShortLife{1};
 
 /// WKErrorWebContentProcessTerminated, in its own domain and words.
 platform::Error processTerminated(const std::string& url) {
@@ -16,23 +20,30 @@ platform::Error processTerminated(const std::string& url) {
 
 void ViewController::webContentProcessDidTerminate(const std::string& url) {
     if (isLocalPage(url)) {
-        reviveLocalPage(url.find(kNoInternetPage) != std::string::npos ? kNoInternetPage
-                                                                       : kMisconfigurationPage);
+        reviveLocalPage(isOfflinePage(url) ? kNoInternetPage : kMisconfigurationPage);
         return;
     }
-    if (!reloadsAfterLoss_.allowsAt(now_()))
+    if (!reloadsAfterLoss_.allowsAt(now_())) {
         reloadAttempted_ = true; // it would only die again: the offline page stays until the monitor restores
+        customersAddress_.reset();
+    }
     didFailNavigation(processTerminated(url));
 }
 
 // A local page is what a failure shows: treated as one it would stay away.
-void ViewController::reviveLocalPage(const std::string& page) {
-    if (revivals_.allowsAt(now_())) {
-        showResourcePage(page);
-        return;
-    }
-    revival_ = platform::ports().mainLoop->scheduleTimer(
-        RevivalLimit::kWindow, platform::TimerMode::commonModes, [this, page] { showResourcePage(page); });
+void ViewController::reviveLocalPage(std::string page) {
+    const auto now = now_();
+    const bool hasLived = !revivedAt_ || now - *revivedAt_ >= kShortLife;
+    if (hasLived || revivals_.allowsAt(now))
+        showRevived(std::move(page));
+    else // it keeps dying: as often as this the machine can bear it
+        revival_ = platform::ports().mainLoop->scheduleTimer(kShortLife, platform::TimerMode::commonModes,
+                                                             [this, page] { showRevived(page); });
+}
+
+void ViewController::showRevived(std::string page) {
+    revivedAt_ = now_();
+    showResourcePage(std::move(page));
 }
 
 } // namespace lumora

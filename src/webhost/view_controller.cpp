@@ -6,6 +6,7 @@
 #include "support/log.h"
 #include "support/rendering.h"
 #include "webhost/join_url.h"
+#include "webhost/local_pages.h"
 #include "webhost/window_title.h"
 
 namespace lumora {
@@ -64,7 +65,7 @@ void ViewController::updateWindowTitle(const std::string& title) {
 void ViewController::didReceiveScriptMessage(const platform::ScriptMessage& message) {
     NativeMessageHandler::shared().handleMessageFromWebView(message);
     // Posted by a page that has been replaced meanwhile: without the monitor nothing would take the offline page away.
-    if (showsOfflinePage_ && message.name == "lumoraLoaded")
+    if (message.name == "lumoraLoaded" && isOfflinePage(webView().address()))
         NetworkMonitor::shared().startMonitoringReachability(joinUrl());
 }
 

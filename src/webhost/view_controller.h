@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace lumora {
@@ -68,15 +69,17 @@ class ViewController final : public platform::WebViewDelegate,
   private:
     [[nodiscard]] platform::WebView& webView(); ///< its absence is a programming error and stops the process
     void showResourcePage(std::string name);
-    void reviveLocalPage(const std::string& page);
-    void reloadOnce(const std::string& url);
+    void reviveLocalPage(std::string page);
+    void showRevived(std::string page);
+    void reloadOnce(const std::string& url, const platform::Error& error);
 
     std::unique_ptr<platform::WebView> webView_;
-    bool reloadAttempted_ = false; ///< the failed load has had its one reload
-    bool showsOfflinePage_ = false;
+    bool reloadAttempted_ = false;                ///< the failed load has had its one reload
+    std::optional<std::string> customersAddress_; ///< of their newest navigation, a load of its own
     std::function<Clock::time_point()> now_;
-    RevivalLimit reloadsAfterLoss_;            ///< of pages whose process died, as failed loads
-    RevivalLimit revivals_;                    ///< of the local pages
+    RevivalLimit reloadsAfterLoss_; ///< of pages whose process died, as failed loads
+    RevivalLimit revivals_;         ///< of local pages that died again at once
+    std::optional<Clock::time_point> revivedAt_;
     std::unique_ptr<platform::Timer> revival_; ///< while a local page that keeps dying is left in peace
 };
 

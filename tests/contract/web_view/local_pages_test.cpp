@@ -89,6 +89,27 @@ TEST_F(LocalPages, aLoadUnderWayIsStoppedForTheLocalPageThatStands) {
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 
+TEST_F(LocalPages, theViewTellsTheAddressOfThePageThatItIsAskedForAndThenOfTheOneThatStands) {
+    EXPECT_EQ(view.address(), "");
+    server.page("/page", "<title>page</title>");
+    server.page("/next", "<title>next</title>");
+    server.hang("/hang");
+    load(server.url("/page"));
+    EXPECT_EQ(view.address(), server.url("/page"));
+    ASSERT_TRUE(waitForTitle("page"));
+    run("location.href = '/next'"); // nobody's load but the page's
+    ASSERT_TRUE(waitForTitle("next"));
+    EXPECT_EQ(view.address(), server.url("/next"));
+    load(server.url("/hang"));
+    view.loadFile(page(), folder_.string());
+    EXPECT_TRUE(view.address().ends_with("/Offline.html")) << view.address();
+    ASSERT_TRUE(waitForTitle("offline"));
+    load(server.url("/hang"), 1s);
+    EXPECT_EQ(view.address(), server.url("/hang"));
+    ASSERT_TRUE(runUntil([this] { return delegate.reportedFailures() > 0; }));
+    EXPECT_TRUE(view.address().ends_with("/Offline.html")) << view.address();
+}
+
 TEST_F(LocalPages, theRemotePageComesBackAfterALocalOne) {
     server.page("/page", "<title>page</title>");
     showLocal();

@@ -55,11 +55,10 @@ class Crashes(WeatherCase):
 
     def test_the_misconfiguration_page_comes_back(self):
         self.start({"DC": "com"}, wait_for_page=False)
-        for _ in range(4):
+        for _ in range(6):
             self.shows("misconfiguration")
             self.kill()
-        # After a fourth time in ten seconds it is left in peace for a while.
-        self.living()
+            self.living()
         self.shows("misconfiguration")
         self.assertEqual(self.join_requests(), [])
 

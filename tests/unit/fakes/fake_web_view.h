@@ -20,6 +20,7 @@ class FakeWebViewHost final : public platform::WebViewHost {
   public:
     std::vector<std::string> journal;
     std::vector<platform::PageRequest> requests;
+    std::string address;                        ///< as if every load were shown
     std::optional<platform::Error> scriptError; ///< reported for every script
     platform::WebViewDelegate* delegate = nullptr;
     platform::Window* currentWindow = nullptr; ///< none, as while the view is being built
@@ -42,11 +43,14 @@ class FakeWebViewHost final : public platform::WebViewHost {
         void load(const platform::PageRequest& request) override {
             owner_.journal.push_back("load " + request.url);
             owner_.requests.push_back(request);
+            owner_.address = request.url;
             owner_.onLoad();
         }
         void loadFile(const std::string& path, const std::string& folder) override {
             owner_.journal.push_back("file " + path + " reading " + folder);
+            owner_.address = "file://" + path;
         }
+        std::string address() override { return owner_.address; }
         void evaluateJavaScript(const std::string& script,
                                 std::function<void(std::optional<platform::Error>)> completion) override {
             owner_.journal.push_back("script " + script);

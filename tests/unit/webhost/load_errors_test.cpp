@@ -185,6 +185,32 @@ TEST_F(LoadErrors, ofTheCustomersOwnNavigationReloadOnceAgain) {
     }
 }
 
+TEST_F(LoadErrors, afterNavigationsOfTheCustomersThatNeverCameDoNotReloadAgain) {
+    configure("server.example", "join", "");
+    controller->handleWebViewError(failure(kUrl));
+    webViewHost.journal.clear();
+    EXPECT_EQ(controller->decidePolicyFor(
+                  {platform::NavigationType::linkActivated, "https://other.example/frame", true, true}),
+              platform::NavigationPolicy::allow);
+
+    controller->handleWebViewError(failure(kUrl));
+
+    EXPECT_EQ(webViewHost.journal, Lines{kOffline});
+}
+
+TEST_F(LoadErrors, ofTheCustomersNavigationToTheJoinPageComeToAnEnd) {
+    configure("server.example", "join", "");
+    EXPECT_EQ(controller->decidePolicyFor({platform::NavigationType::linkActivated, kUrl, true, true}),
+              platform::NavigationPolicy::allow);
+    controller->handleWebViewError(failure(kUrl));
+    EXPECT_EQ(webViewHost.journal, (Lines{kLoad, kOffline}));
+    webViewHost.journal.clear();
+
+    controller->handleWebViewError(failure(kUrl)); // of the reload, at the same address
+
+    EXPECT_EQ(webViewHost.journal, Lines{kOffline});
+}
+
 TEST_F(LoadErrors, ofLoadsThatNobodyClickedForDoNotReloadAgain) {
     configure("server.example", "join", "");
     controller->handleWebViewError(failure(kUrl));

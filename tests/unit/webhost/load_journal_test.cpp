@@ -169,6 +169,15 @@ TEST_F(LoadJournals, theNameOfAFailedLoadComesAgainUnburdened) {
     EXPECT_TRUE(journal.failed(first, Failure::other));
 }
 
+TEST_F(LoadJournals, theNewestIsTheAwaitedPageOrTheOneThatStands) {
+    EXPECT_EQ(journal.newest(), "");
+    stands(first, "file:///page");
+    hostLoadsAndBegins(second, "https://one/");
+    EXPECT_EQ(journal.newest(), "https://one/");
+    EXPECT_TRUE(journal.failed(second, Failure::other));
+    EXPECT_EQ(journal.newest(), "file:///page");
+}
+
 TEST_F(LoadJournals, aDeadProcessLosesTheAwaitedPageOrTheOneThatStood) {
     EXPECT_EQ(journal.processEnded(), "");
     stands(first, "file:///page");

@@ -78,7 +78,8 @@ TEST_F(LostProcesses, ofTheJoinPageReloadItThreeTimesInTenSecondsAndThenLeaveItT
     EXPECT_EQ(dies(kUrl), (Lines{kLoad, kOffline}));
 }
 
-TEST_F(LostProcesses, bringALocalPageBackThreeTimesInTenSecondsAndThenLeaveItInPeaceForAsLong) {
+TEST_F(LostProcesses, bringALocalPageThatDiesAgainAtOnceBackThreeTimesInTenSecondsAndThenOnceASecond) {
+    EXPECT_EQ(dies(kMisconfiguredUrl), Lines{kMisconfigured});
     for (int death = 0; death < 3; ++death)
         EXPECT_EQ(dies(kMisconfiguredUrl), Lines{kMisconfigured}) << death;
     const auto before = loop.timers.size();
@@ -86,7 +87,7 @@ TEST_F(LostProcesses, bringALocalPageBackThreeTimesInTenSecondsAndThenLeaveItInP
     EXPECT_EQ(dies(kMisconfiguredUrl), Lines{});
 
     ASSERT_EQ(loop.timers.size(), before + 1);
-    EXPECT_EQ(loop.timers.back()->interval, 10s);
+    EXPECT_EQ(loop.timers.back()->interval, 1s);
     loop.timers.back()->action();
     EXPECT_EQ(webViewHost.journal, Lines{kMisconfigured});
     EXPECT_FALSE(loop.timers.back()->valid) << "once is enough";
@@ -94,7 +95,7 @@ TEST_F(LostProcesses, bringALocalPageBackThreeTimesInTenSecondsAndThenLeaveItInP
 }
 
 TEST_F(LostProcesses, bringNoLocalPageBackOverWhatIsShownMeanwhile) {
-    for (int death = 0; death < 4; ++death)
+    for (int death = 0; death < 5; ++death)
         dies(kOfflineUrl);
     EXPECT_TRUE(loop.timers.back()->valid);
     controller->didRestoreConnection();
@@ -114,10 +115,10 @@ TEST_F(LostProcesses, ofALocalPageDoNotCountForTheJoinPage) {
     EXPECT_EQ(dies(kUrl), (Lines{kLoad, kOffline}));
 }
 
-TEST_F(LostProcesses, farApartBringALocalPageBackEveryTime) {
+TEST_F(LostProcesses, bringALocalPageThatHasLivedBackAtOnceEveryTime) {
     for (int death = 0; death < 10; ++death) {
         controller->webContentProcessDidTerminate(kOfflineUrl);
-        now += 5s;
+        now += 1s;
     }
 
     EXPECT_EQ(webViewHost.journal, Lines(10, kOffline));

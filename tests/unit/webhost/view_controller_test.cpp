@@ -258,12 +258,23 @@ TEST_F(ViewControllerTest, watchNoLongerWhenTheJoinPageSaysThatItHasLoaded) {
     EXPECT_TRUE(probedAddresses().empty());
 }
 
+TEST_F(ViewControllerTest, keepWatchingThroughNavigationsThatTheOfflinePageOutlives) {
+    showView();
+    controller->didFailedToConnect();
+    // Of a frame, or of the page that is going: allowed, and then they never come.
+    for (const auto type : {platform::NavigationType::linkActivated, platform::NavigationType::backForward})
+        EXPECT_EQ(controller->decidePolicyFor({type, "https://other.example/", true, true}),
+                  platform::NavigationPolicy::allow);
+
+    controller->didReceiveScriptMessage({"lumoraLoaded", ""});
+
+    EXPECT_EQ(probedAddresses(), Lines{"https://server.example/join"});
+}
+
 TEST_F(ViewControllerTest, watchNoLongerWhenThePageThatTheCustomerWentBackToSaysThatItHasLoaded) {
     showView();
     controller->didFailedToConnect();
-    EXPECT_EQ(controller->decidePolicyFor(
-                  {platform::NavigationType::backForward, "https://server.example/join", true, true}),
-              platform::NavigationPolicy::allow);
+    webViewHost.address = "https://server.example/join";
 
     controller->didReceiveScriptMessage({"lumoraLoaded", ""});
 

@@ -200,8 +200,7 @@ bool WebKitView::isPageFailure(LoadTracker::FailureKind kind, const std::string&
 
 void WebKitView::processTerminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer data) {
     auto* self = static_cast<WebKitView*>(data);
-    const std::string awaited = self->tracker_.awaited();
-    const std::string lost = awaited.empty() ? self->committed_ : awaited;
+    const std::string lost = self->address();
     self->committed_.clear();
     self->watch_.end();
     self->tracker_.reset();

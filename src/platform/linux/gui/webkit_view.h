@@ -30,6 +30,9 @@ class WebKitView final : public WebView {
     void setDelegate(WebViewDelegate* delegate) override { delegate_ = delegate; }
     void load(const PageRequest& request) override;
     void loadFile(const std::string& path, const std::string& readAccessFolder) override;
+    [[nodiscard]] std::string address() override {
+        return tracker_.awaited().empty() ? committed_ : tracker_.awaited();
+    }
     void evaluateJavaScript(const std::string& script,
                             std::function<void(std::optional<Error>)> completion) override;
 

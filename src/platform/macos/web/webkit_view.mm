@@ -77,6 +77,8 @@ class WebKitView final : public WebView {
         });
     }
 
+    [[nodiscard]] std::string address() override { return engineDelegate_->journal.newest(); }
+
     void evaluateJavaScript(const std::string& script,
                             std::function<void(std::optional<Error>)> completion) override {
         atPort([&, completion] { // the block would keep a mere reference otherwise
