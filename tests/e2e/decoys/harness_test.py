@@ -27,8 +27,9 @@ from macos import mac as macs  # noqa: E402
 macs.Mac = functools.partial(macs.Mac, MAC.root, MAC.home)
 from harness.macos import (desktop, holding, images, link_handlers, machine, preferences,  # noqa: E402
                            processes)
-from macos.changes import Changes  # noqa: E402
-from macos.journal import Journal  # noqa: E402
+from changes import ToolFailed  # noqa: E402
+from journal import Journal  # noqa: E402
+from macos.changes import MacChanges  # noqa: E402
 
 
 def tearDownModule():
@@ -40,7 +41,7 @@ class HarnessCase(unittest.TestCase):
     def take_back():
         """As the world does at its end."""
         mac = macs.Mac()
-        return Changes(mac, Journal(mac.state)).undo_all()
+        return MacChanges(mac, Journal(mac.state)).undo_all()
 
     def setUp(self):
         MAC.calls_file.unlink(missing_ok=True)
@@ -140,7 +141,7 @@ class Trust(HarnessCase):
     def test_one_that_cannot_be_trusted_is_told(self):
         (MAC.root / "trust-fails").touch()
         self.addCleanup((MAC.root / "trust-fails").unlink)
-        with self.assertRaisesRegex(macs.ToolFailed, "SecTrustSettingsSetTrustSettings: no"):
+        with self.assertRaisesRegex(ToolFailed, "SecTrustSettingsSetTrustSettings: no"):
             machine.trust(self.certificate)
         self.assertEqual(self.take_back(), [])
 

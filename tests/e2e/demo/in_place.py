@@ -16,8 +16,10 @@ import hosts  # noqa: E402
 import inside  # noqa: E402
 import private_root  # noqa: E402
 import services  # noqa: E402
+from changes import Changes  # noqa: E402
+from journal import Journal  # noqa: E402
 
-FILES = [pathlib.Path("/etc/hosts"), pathlib.Path("/etc/ssl/certs/ca-certificates.crt")]
+HOSTS, TRUST_STORE = pathlib.Path("/etc/hosts"), pathlib.Path("/etc/ssl/certs/ca-certificates.crt")
 # Written by the application's start, for all users of the machine.
 PREFERENCES = pathlib.Path("/Library/Preferences/com.ovra.tessel.OvraTesselLumora.plist")
 FOLDERS = [pathlib.Path("/") / name for name in private_root.PRODUCT_FOLDERS]
@@ -25,43 +27,24 @@ RUNTIME = pathlib.Path("/run/lumora")
 ADDRESS = "127.0.0.1"
 
 
-class Machine:
-    """The machine's files as they were, kept below root until they are restored: also over a run that was killed."""
+def change(machine):
+    machine.keep(TRUST_STORE)
+    for path in FOLDERS:
+        if not path.exists():
+            machine.move_aside(path)
+            path.mkdir()
+            path.chmod(0o1777)
+    machine.move_aside(PREFERENCES)
+    machine.move_aside(RUNTIME)
+    machine.add_hosts(HOSTS, ADDRESS, hosts.names())
 
-    def __init__(self, root):
-        self._kept = root / "restore"
-        if self._kept.exists():
-            self.restore()
-        staged = root / "restore.new"
-        shutil.rmtree(staged, ignore_errors=True)
-        staged.mkdir(parents=True)
-        for path in FILES:
-            shutil.copyfile(path, staged / path.name)
-        if PREFERENCES.exists():
-            shutil.copyfile(PREFERENCES, staged / PREFERENCES.name)
-        (staged / "new-folders").write_text("".join(f"{path}\n" for path in FOLDERS if not path.exists()))
-        staged.rename(self._kept)
 
-    def change(self):
-        for path in FOLDERS:
-            if not path.exists():
-                path.mkdir()
-                path.chmod(0o1777)
-        with open("/etc/hosts", "a", encoding="utf-8") as file:
-            file.writelines(f"{ADDRESS} {name}\n" for name in hosts.names())
-
-    def restore(self):
-        # Written into the files, not renamed over them: in a container they are often mounts of their own.
-        for path in FILES:
-            path.write_bytes((self._kept / path.name).read_bytes())
-        if (self._kept / PREFERENCES.name).exists():
-            shutil.copyfile(self._kept / PREFERENCES.name, PREFERENCES)
-        else:
-            PREFERENCES.unlink(missing_ok=True)
-        for folder in (self._kept / "new-folders").read_text().splitlines():
-            shutil.rmtree(folder, ignore_errors=True)
-        shutil.rmtree(RUNTIME, ignore_errors=True)
-        shutil.rmtree(self._kept)
+def restore(machine):
+    """Whether all is as it was."""
+    reasons = machine.undo_all()
+    for reason in reasons:
+        print(f"demo: not restored: {reason}", file=sys.stderr)
+    return not reasons
 
 
 def sandbox_works():
@@ -73,7 +56,6 @@ def prepare(root, display):
     home = root / "home"
     shutil.rmtree(home, ignore_errors=True)
     home.mkdir(mode=0o700)
-    shutil.rmtree(RUNTIME, ignore_errors=True)
     RUNTIME.mkdir(mode=0o700)
     caller = dict(os.environ)
     world = inside.environment(home, RUNTIME) | {
@@ -101,19 +83,24 @@ def main():
     for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
         signal.signal(number, stop)
     root.mkdir(parents=True, exist_ok=True)
-    machine = Machine(root)
-    child = None
+    journal = Journal(root / "restore")
+    journal.lock()
+    machine = Changes(journal)
+    if not restore(machine):  # what a run that was killed has left
+        return 1
+    child, restored = None, True
     try:
-        machine.change()
+        change(machine)
         world = prepare(root, display)
         child = subprocess.Popen(command, env=world)
-        return child.wait()
+        status = child.wait()
     finally:
         if child and child.poll() is None:
             child.terminate()
             child.wait()
         services.stop_all()
-        machine.restore()
+        restored = restore(machine)
+    return status if restored else status or 1
 
 
 if __name__ == "__main__":

@@ -4,10 +4,10 @@ import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "world"))
-from macos.changes import Changes  # noqa: E402
-from macos.journal import Journal  # noqa: E402
+from journal import Journal  # noqa: E402
+from macos.changes import MacChanges  # noqa: E402
 from macos.mac import Mac  # noqa: E402
 
 mac = Mac()
 journal = Journal(mac.state)
-changes = Changes(mac, journal)
+changes = MacChanges(mac, journal)

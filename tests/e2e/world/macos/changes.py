@@ -1,99 +1,39 @@
-"""The changes to a Mac, each with its way back.
-
-Every way back may be gone twice: a run can be killed between it and the journal's line about it. What is found changed by
-somebody else meanwhile stays as it is.
-"""
+"""The changes to a Mac beside those that every system has, each with its way back."""
 
 import hashlib
-import os.path
 import pathlib
+import plistlib
 import shutil
 import ssl
 
-from . import mac as macs
+from changes import Changes, ToolFailed
 
-BEGIN, END = "# begin of Lumora's end-to-end tests", "# end of Lumora's end-to-end tests"
 TRUST_RIGHT = "com.apple.trust-settings.admin"
 
 
-class Changes:
+class MacChanges(Changes):
     def __init__(self, mac, journal):
+        super().__init__(journal, mac.run_as_root)
         self._mac = mac
-        self._journal = journal
 
-    def undo_all(self):
-        """The newest first. What cannot be put back stays in the journal; why, one line each."""
-        left, reasons = self._journal.entries(), []
-        failed = []
-        while left:
-            entry = left.pop()
-            try:
-                getattr(self, "_undo_" + entry["kind"])(entry)
-            except (macs.ToolFailed, OSError) as error:
-                failed.insert(0, entry)
-                reasons.append(f"{entry['kind']}: {error}")
-            self._journal.keep_only(left + failed)
-        return reasons
-
-    # --- names
-
-    def _write_hosts(self, text):
-        """Into the file: it keeps its owner and modes."""
-        staged = self._journal.folder / "hosts.new"
-        staged.write_text(text, encoding="utf-8")
-        self._mac.run_as_root("cp", staged, self._mac.hosts)
+    def _hosts_have_changed(self):
         self._mac.run_as_root("dscacheutil", "-flushcache", check=False)
         self._mac.run_as_root("killall", "-HUP", "mDNSResponder", check=False)
 
-    @staticmethod
-    def _with_block(text, block):
-        return text + ("" if not text or text.endswith("\n") else "\n") + block
-
-    def add_hosts(self, address, names):
-        text = self._mac.hosts.read_text(encoding="utf-8")
-        block = "\n".join([BEGIN, *[f"{address} {name}" for name in names], END, ""])
-        self._journal.note(kind="hosts", before=text, block=block)
-        self._write_hosts(self._with_block(text, block))
-
-    def _undo_hosts(self, entry):
-        text, before, block = self._mac.hosts.read_text(encoding="utf-8"), entry["before"], entry["block"]
-        whole = self._with_block(before, block)
-        if text == whole or (text != before and whole.startswith(text)):  # as it was left, or cut off in the writing
-            self._write_hosts(before)
-        elif block in text:  # somebody else has changed it too
-            self._write_hosts(text.replace(block, ""))
-
-    # --- places
-
-    def move_aside(self, path):
-        """Whatever stands there, to a name beside it: one step on any volume. Without anything, what comes is removed."""
-        kept = path.with_name(f".{path.name}.kept-by-end-to-end-tests")
-        there = os.path.lexists(path)  # of a folder that the system does not let look into: not there
-        self._journal.note(kind="place", path=str(path), kept=str(kept), there=there)
-        if there:
-            self._mac.run_as_root("mv", path, kept)
-
-    def _undo_place(self, entry):
-        path, kept = pathlib.Path(entry["path"]), pathlib.Path(entry["kept"])
-        if entry["there"] and not os.path.lexists(kept):
-            return  # never moved, or back already
-        if os.path.lexists(path):
-            self._mac.run_as_root("chflags", "-R", "nouchg", path, check=False)
-            self._mac.run_as_root("rm", "-rf", path)
-        if entry["there"]:
-            self._mac.run_as_root("mv", kept, path)
+    def _unlock(self, path):
+        self._mac.run_as_root("chflags", "-R", "nouchg", path, check=False)
 
     # --- preferences
 
     def set_preferences_aside(self, domain, privileged):
         values = self._mac.exported(domain, privileged)
         file = self._journal.folder / f"preferences-{'machine' if privileged else 'user'}.plist"
-        file.write_bytes(macs.plistlib.dumps(values))
+        file.write_bytes(plistlib.dumps(values))
         self._journal.note(kind="preferences", domain=domain, privileged=privileged, file=str(file))
         self._mac.store(domain, {}, privileged)
 
     def _undo_preferences(self, entry):
-        values = macs.plistlib.loads(pathlib.Path(entry["file"]).read_bytes())
+        values = plistlib.loads(pathlib.Path(entry["file"]).read_bytes())
         self._mac.store(entry["domain"], values, entry["privileged"])
 
     # --- what the system hands to every application that it starts for this user
@@ -121,7 +61,7 @@ class Changes:
         add = ["security", "add-trusted-cert", "-d", "-r", "trustRoot", "-k", self._mac.keychain, kept]
         try:
             self._mac.run_as_root(*add)
-        except macs.ToolFailed:
+        except ToolFailed:
             # Newer systems ask for a password on the screen, unless the right is granted.
             self._grant(TRUST_RIGHT)
             self._mac.run_as_root(*add)
@@ -132,7 +72,7 @@ class Changes:
         self._mac.run_as_root("security", "delete-certificate", "-Z", digest, self._mac.keychain, check=False)
         known = self._mac.run("security", "find-certificate", "-a", "-Z", self._mac.keychain, check=False).decode()
         if digest in known:
-            raise macs.ToolFailed(f"the authority {digest} is still in {self._mac.keychain}")
+            raise ToolFailed(f"the authority {digest} is still in {self._mac.keychain}")
         pathlib.Path(certificate).unlink(missing_ok=True)
 
     def _grant(self, right):

@@ -9,10 +9,11 @@ import subprocess
 import sys
 
 import hosts
+from changes import ToolFailed
+from journal import Journal
 
-from .changes import Changes
-from .journal import Journal
-from .mac import DOMAIN, Mac, ToolFailed
+from .changes import MacChanges
+from .mac import DOMAIN, Mac
 
 REFUSED = 77
 CONSENT = "LUMORA_E2E_IN_PLACE"
@@ -68,7 +69,7 @@ def arrange(mac, changes):
     changes.set_preferences_aside(mac.machine_domain, privileged=True)
     # The system starts the agent, so the tests cannot tell it to end without a window.
     changes.set_variable("OVRA_AGENT_HEADLESS", "1")
-    changes.add_hosts(ADDRESS, hosts.names())
+    changes.add_hosts(mac.hosts, ADDRESS, hosts.names())
 
 
 def restore(changes):
@@ -124,7 +125,7 @@ def enter(wanted, mac=None):
         print(f"world: {reason}", file=sys.stderr)
         return REFUSED
     journal = Journal(mac.state)
-    changes = Changes(mac, journal)
+    changes = MacChanges(mac, journal)
     lock = journal.lock()
     if not restore(changes):  # what a run that was killed has left
         return 1

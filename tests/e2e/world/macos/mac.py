@@ -3,15 +3,12 @@
 import os
 import pathlib
 import plistlib
-import subprocess
+
+from changes import ToolFailed, run
 
 DOMAIN = "com.ovra.tessel.OvraTesselLumora"
 BUNDLE_NAME = "Ovra Tessel Lumora.app"
 KEYCHAIN = "Library/Keychains/System.keychain"
-
-
-class ToolFailed(Exception):
-    """A tool of the system did not do what it was asked for; its own words say why."""
 
 
 class Mac:
@@ -37,18 +34,7 @@ class Mac:
                 library / f"Saved Application State/{DOMAIN}.savedState", self.home / "Applications" / BUNDLE_NAME]
         return [*mine, self.root / "Applications" / BUNDLE_NAME]
 
-    @staticmethod
-    def run(*words, stdin=None, check=True):
-        """The tool's output. stdin: bytes that it reads."""
-        command = [str(word) for word in words]
-        try:
-            done = subprocess.run(command, input=stdin if stdin is not None else b"", capture_output=True, check=False)
-        except OSError as error:
-            raise ToolFailed(f"{command[0]}: {error.strerror}") from error
-        if check and done.returncode != 0:
-            told = (done.stderr or done.stdout).decode(errors="replace").strip().splitlines()
-            raise ToolFailed(f"{' '.join(command)}: {told[-1] if told else done.returncode}")
-        return done.stdout
+    run = staticmethod(run)
 
     def run_as_root(self, *words, **more):
         """Never asks for a password: nobody is there to give it."""
