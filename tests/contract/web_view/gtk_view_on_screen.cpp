@@ -57,8 +57,15 @@ class GtkWindowOnScreen final : public WindowOnScreen {
     }
     std::string title() override { return backend::textOf(gtk_window_get_title(host_.gtkWindow())); }
     void close() override { gtk_window_close(host_.gtkWindow()); }
+    void zoomIn() override { perform("zoom-in"); }
+    void showActualSize() override { perform("zoom-reset"); }
+    void reload() override { perform("reload"); }
 
   private:
+    void perform(const char* action) {
+        g_action_group_activate_action(G_ACTION_GROUP(host_.gtkWindow()), action, nullptr);
+    }
+
     /// Two applications of one process cannot be registered under one name.
     static std::string freshIdentifier() {
         static int made = 0;

@@ -36,6 +36,11 @@ class WindowOnScreen {
 
     [[nodiscard]] virtual std::string title() = 0; ///< in its title bar
     virtual void close() = 0;                      ///< as its user does
+
+    // Rows of the menu bar that act on the window and the page in it.
+    virtual void zoomIn() = 0;
+    virtual void showActualSize() = 0;
+    virtual void reload() = 0;
 };
 
 [[nodiscard]] std::unique_ptr<WindowOnScreen> makeWindowOnScreen();

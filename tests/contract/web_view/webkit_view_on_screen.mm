@@ -34,10 +34,16 @@ class WebKitWindowOnScreen final : public WindowOnScreen {
 
     std::string title() override { return textOf(window_.title); }
     void close() override { [window_ performClose:nil]; }
+    void zoomIn() override { perform(@selector(zoomIn:)); }
+    void showActualSize() override { perform(@selector(actualSize:)); }
+    void reload() override { perform(@selector(reload:)); }
 
     [[nodiscard]] WKWebView* engine() const { return engineIn(window_); }
 
   private:
+    /// As for the key window: the first along the responder chain that can.
+    void perform(SEL action) { [window_.firstResponder tryToPerform:action with:nil]; }
+
     backend::WebKitHost host_;
     NSWindow* window_ = nil;
 };

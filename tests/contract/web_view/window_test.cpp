@@ -8,6 +8,20 @@ class TheWindow : public ::testing::Test {
         screen->open([this] { view = screen->host().makeWebView(); });
     }
 
+    void load(const std::string& path) {
+        view->load({server.url(path), HttpCachePolicy::useProtocolCachePolicy, 60s});
+    }
+
+    /// Whether the page comes to find this of itself.
+    [[nodiscard]] bool finds(const std::string& condition) {
+        const int before = server.requests("/true");
+        return runUntil([&] {
+            view->evaluateJavaScript("fetch('/' + Boolean(" + condition + "))", [](auto) {});
+            runFor(20ms);
+            return server.requests("/true") > before;
+        });
+    }
+
     PageServer server;
     std::unique_ptr<WindowOnScreen> screen = makeWindowOnScreen();
     std::unique_ptr<platform::WebView> view;
@@ -34,20 +48,28 @@ TEST_F(TheWindow, hasTheApplicationsTitleUntilAnotherIsSet) {
 
 TEST_F(TheWindow, showsTheView) {
     server.page("/page", "<title>page</title>");
-    server.page("/true", "");
     open();
-    view->load({server.url("/page"), HttpCachePolicy::useProtocolCachePolicy, 60s});
-    ASSERT_TRUE(runUntil([this] { return server.requests("/page") == 1; }));
-    EXPECT_TRUE(runUntil([this] {
-        view->evaluateJavaScript("fetch('/' + (innerWidth > 200 && innerHeight > 200))", [](auto) {});
-        return server.requests("/true") > 0;
-    }));
+    load("/page");
+    EXPECT_TRUE(finds("document.title == 'page' && innerWidth > 200 && innerHeight > 200"));
+}
+
+TEST_F(TheWindow, letsItsUserZoomAndReload) {
+    server.page("/page", "<title>page</title>");
+    open();
+    load("/page");
+    ASSERT_TRUE(finds("document.title == 'page' && innerWidth > 200 && (window.full = innerWidth)"));
+    screen->zoomIn();
+    EXPECT_TRUE(finds("innerWidth < full")); // in points of the page, which are larger now
+    screen->showActualSize();
+    EXPECT_TRUE(finds("innerWidth >= full"));
+    screen->reload();
+    EXPECT_TRUE(runUntil([this] { return server.requests("/page") == 2; }));
 }
 
 TEST_F(TheWindow, mayCloseBeforeItsViewGoes) {
     open();
     screen->close();
-    view->load({server.url("/page"), HttpCachePolicy::useProtocolCachePolicy, 60s});
+    load("/page");
     EXPECT_TRUE(runUntil([this] { return server.requests("/page") == 1; }));
 }
 
