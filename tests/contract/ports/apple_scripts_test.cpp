@@ -45,6 +45,15 @@ TEST_F(AppleScriptsContract, aFailureTellsStatusAndText) {
     EXPECT_EQ("complaint", error->message);
 }
 
+TEST_F(AppleScriptsContract, aFailureTellsTheTextOfJoinedStreams) {
+    const auto error =
+        run(R"(do shell script "/bin/sh -c " & quoted form of "echo complaint >&2; exit 3" & " 2>&1")");
+
+    ASSERT_TRUE(error);
+    EXPECT_EQ(3, error->number);
+    EXPECT_EQ("complaint", error->message);
+}
+
 TEST_F(AppleScriptsContract, aFailureWithoutTextTellsItsStatus) {
     const auto error = run(R"(do shell script "exit 126")");
 
