@@ -29,8 +29,9 @@ HeaderList headersFrom(const Json& json) {
 } // namespace
 
 Behaviour Behaviour::fromJson(const Json& json) {
-    const JsonMembers members(json, {"status", "body", "content_type", "headers", "delay_ms", "truncate_at",
-                                     "reset", "hang", "chunk_delay_ms", "chunk_size", "times"});
+    const JsonMembers members(json,
+                              {"status", "body", "content_type", "headers", "delay_ms", "truncate_at",
+                               "reset", "hang", "chunk_delay_ms", "chunk_size", "times", "except_agent"});
     Behaviour behaviour;
     if (const auto status = members.number("status")) {
         if (*status < kLowestStatus || *status > kHighestStatus)
@@ -50,6 +51,7 @@ Behaviour Behaviour::fromJson(const Json& json) {
     if (const auto size = members.number("chunk_size"); size && *size > 0)
         behaviour.chunkSize = static_cast<std::size_t>(*size);
     behaviour.times = members.number("times");
+    behaviour.exceptAgent = members.text("except_agent").value_or("");
     return behaviour;
 }
 
@@ -77,6 +79,8 @@ Json Behaviour::toJson() const {
     }
     if (times)
         json["times"] = *times;
+    if (!exceptAgent.empty())
+        json["except_agent"] = exceptAgent;
     return json;
 }
 
@@ -113,12 +117,12 @@ void BehaviourTable::clearAll() {
     behaviours_.clear();
 }
 
-std::optional<Behaviour> BehaviourTable::take(const std::string& path) {
+std::optional<Behaviour> BehaviourTable::take(const std::string& path, const std::string& agent) {
     const std::lock_guard lock(mutex_);
     auto found = behaviours_.find(path);
     if (found == behaviours_.end())
         found = behaviours_.find(kEveryPath);
-    if (found == behaviours_.end())
+    if (found == behaviours_.end() || (!agent.empty() && agent == found->second.exceptAgent))
         return std::nullopt;
     Behaviour behaviour = found->second;
     if (found->second.times && --*found->second.times <= 0)

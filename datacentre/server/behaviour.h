@@ -32,6 +32,7 @@ struct Behaviour {
     std::chrono::milliseconds chunkDelay{0};
     std::size_t chunkSize = 1024;
     std::optional<long long> times;
+    std::string exceptAgent; // requests with this User-Agent are answered as usual; empty: none
 };
 
 // The behaviours set at the moment, by path. Used by the control thread and every connection's thread.
@@ -42,8 +43,8 @@ class BehaviourTable {
     void set(const std::string& path, Behaviour behaviour);
     void clear(const std::string& path);
     void clearAll();
-    // The behaviour for one request of this path, counting it.
-    [[nodiscard]] std::optional<Behaviour> take(const std::string& path);
+    // The behaviour for one request of this path by this User-Agent, counting it.
+    [[nodiscard]] std::optional<Behaviour> take(const std::string& path, const std::string& agent = {});
     [[nodiscard]] Json toJson() const;
 
   private:

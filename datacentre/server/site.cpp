@@ -60,6 +60,13 @@ std::string replaced(std::string_view text, std::string_view mark, std::string_v
     return result;
 }
 
+std::string agentOf(const ReceivedRequest& request) {
+    for (const auto& [name, value] : request.headers)
+        if (name == "user-agent")
+            return value;
+    return {};
+}
+
 Answer jsonAnswer(int status, const Json& json) { return {status, "application/json", json.dump()}; }
 
 } // namespace
@@ -71,7 +78,8 @@ Delivery Site::deliver(const ReceivedRequest& request) {
     if (request.path.starts_with(kDrive))
         return {driveCall(request), {}};
     requests_.add(request);
-    Delivery delivery{normalAnswer(request), behaviours_.take(request.path).value_or(Behaviour{})};
+    Delivery delivery{normalAnswer(request),
+                      behaviours_.take(request.path, agentOf(request)).value_or(Behaviour{})};
     delivery.behaviour.replaceIn(delivery.answer);
     return delivery;
 }

@@ -44,6 +44,14 @@ TEST(BehaviourTable, aCountedBehaviourWearsOff) {
     EXPECT_FALSE(table.take("/a"));
 }
 
+TEST(BehaviourTable, anExceptedAgentIsSparedAndNotCounted) {
+    BehaviourTable table;
+    table.set("/a", behaviour(R"({"reset":true,"times":1,"except_agent":"probe"})"));
+    EXPECT_FALSE(table.take("/a", "probe"));
+    EXPECT_TRUE(table.take("/a", "another"));
+    EXPECT_FALSE(table.take("/a", "another"));
+}
+
 TEST(BehaviourTable, everyPathGivesWayToAPathOfItsOwn) {
     BehaviourTable table;
     table.set("*", behaviour(R"({"status":500})"));

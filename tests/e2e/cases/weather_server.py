@@ -4,8 +4,8 @@ import time
 
 from harness.case import (WEB_SERVER,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
-from harness.weather import (BARE_URL, JOIN_URL, NET_TEST, NO_TOKEN, PROBE_SECONDS, SILENT_PAGE, TEN_PROBES,
-                             WeatherCase)
+from harness.weather import (BARE_URL, DID_FAIL, JOIN_URL, NET_TEST, NO_TOKEN, PAGE, PROBE_SECONDS, SILENT_PAGE,
+                             TEN_PROBES, WeatherCase)
 
 FAILED = NET_TEST + JOIN_URL
 
@@ -55,6 +55,23 @@ class AtStart(WeatherCase):
         self.good_again()
         self.comes_back("server answers after 11 s", 0, [FAILED])
 
+    def test_a_page_that_stalls_is_given_ten_seconds(self):
+        self.data_centre.page(PAGE + "<p>more</p>" * 20000)
+        self.data_centre.behave("/join", chunk_size=100000, chunk_delay_ms=15000)
+        begun = time.monotonic()
+        self.start(wait_for_page=False)
+        self.shows("join")
+        self.log.wait_for(FAILED)
+        self.assertGreater(time.monotonic() - begun, 9.5)
+        self.shows("offline")
+        lines = [DID_FAIL + "The request timed out.", FAILED]
+        self.assertEqual(self.weather_lines(), lines)
+        self.tell("page stalls after 100 kB", "offline", lines, **self.counts())
+
+        self.data_centre.page(PAGE)
+        self.good_again()
+        self.comes_back("page stalls after 100 kB", 0, lines)
+
     def test_a_handshake_that_hangs_is_given_ten_seconds(self):
         self.data_centre.tls(hang_handshake=True)
         begun = time.monotonic()
@@ -63,7 +80,7 @@ class AtStart(WeatherCase):
         self.log.wait_for(NET_TEST + BARE_URL)
         self.assertGreater(time.monotonic() - begun, 9.5)
         self.shows("offline")
-        probes = self.watch_probes("offline", self.connections, probes=6)
+        probes = self.watch_probes("offline", self.connections, probes=2)
         self.assertEqual(self.join_requests(), [])
         self.assertEqual(self.weather_lines(), [NET_TEST + BARE_URL])
         self.tell("handshake hangs", "offline", self.weather_lines(), loads=0, handshakes=probes)

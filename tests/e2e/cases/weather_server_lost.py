@@ -1,7 +1,12 @@
 """A server that is lost while the join page stands, in every way that a server can be, and then back."""
 
+import time
+
+from harness import waiting
 from harness.case import TOKEN, set_up_module as setUpModule, tear_down_module as tearDownModule  # noqa: F401
-from harness.weather import DID_FAIL, JOIN_URL, NET_TEST, PAGE, PROBE_SECONDS, SILENT_PAGE, TEN_PROBES, WeatherCase
+from harness.processes import usage_of
+from harness.weather import (DID_FAIL, JOIN_URL, NET_TEST, PAGE, PROBE_AGENT, PROBE_SECONDS, RESTORED, SILENT_PAGE,
+                             WeatherCase)
 
 FAILED = NET_TEST + JOIN_URL
 
@@ -39,7 +44,7 @@ class Watched(WeatherCase):
 
     def test_only_200_counts_as_there(self):
         self.start_well()
-        self.lost_and_back("server stops", self.server_down, lambda: self.watch(TEN_PROBES, "offline"))
+        self.lost_and_back("server stops", self.server_down, lambda: self.watch(2 * PROBE_SECONDS, "offline"))
         self.lost_and_back("503", self.status(503), lambda: self.watch_probes("offline"))
         self.lost_and_back("204", self.status(204), lambda: self.watch_probes("offline", probes=2))
         self.lost_and_back("probes are reset", lambda: self.data_centre.behave("/join", reset=True),
@@ -91,3 +96,45 @@ class Loaded(WeatherCase):
         self.fails_and_comes_back("reset amid the page", self.break_off,
                                   [DID_FAIL + "The network connection was lost.", FAILED])
         self.fails_and_comes_back("server stops before a load", self.server_down, [FAILED])
+
+    def test_a_server_that_answers_only_the_probes_is_asked_for_one_page_a_round(self):
+        rounds = 4
+        self.start_well()
+        self.page.eval("setTimeout(() => location.href = '/join?again', 2000)")
+        mark = self.log.mark()
+        self.data_centre.behave("/join", reset=True, except_agent=PROBE_AGENT)
+        self.log.wait_for(RESTORED, mark)
+        self.shows("offline")
+        mark = self.round_ends(mark)
+        begun, before = time.monotonic(), usage_of(self.application.pid)
+        self.forget_requests()
+        lines = []
+        while len(lines) < 2 * rounds:
+            # Each load fails before anything of it could be shown.
+            self.watch(0.5, "offline")
+            self.assertLess(time.monotonic() - begun, 3 * rounds * PROBE_SECONDS)
+            lines = self.weather_lines(mark)
+        seconds = time.monotonic() - begun
+        # A restoration says so when its check has been answered, which the failure may forestall.
+        failures = lines.count(FAILED)
+        self.assertIn(len(lines) - failures, (failures - 1, failures, failures + 1))
+        self.assertEqual(set(lines), {RESTORED, FAILED})
+        self.assertIn(len(self.loads()), (failures, failures + 1))
+        # One for where in the rhythm the look began, another for one that came late.
+        self.assertLessEqual(failures, seconds / PROBE_SECONDS + 2)
+        self.assertLessEqual(len(self.probes()), seconds / PROBE_SECONDS + 2)
+        after = usage_of(self.application.pid)
+        self.assertLessEqual(after["timers"], before["timers"])
+        self.assertLessEqual(after["descriptors"], before["descriptors"] * 1.25)
+        self.tell("only probes are answered", "offline", lines, **self.counts())
+
+        mark = self.round_ends(mark)
+        self.data_centre.control("DELETE", "/behaviour")
+        self.forget_requests()
+        self.comes_back("only probes are answered", mark, [], restorations=2)  # that of the last round may say so late
+
+    def round_ends(self, mark):
+        """A load has just failed: nothing happens before the next probe."""
+        before = len(self.lines_of(mark, FAILED))
+        waiting.until(lambda: len(self.lines_of(mark, FAILED)) > before, "the next failure")
+        return self.log.mark()
