@@ -8,6 +8,7 @@ from harness.case import (EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 from harness.linux.desktop import pixels
 from harness.linux.desktop_portal import DesktopPortal
+from harness.linux.processes import NETWORK_PROCESS, environment_of, helpers_of
 from harness.linux.screen_reader import ENVIRONMENT, ScreenReader
 from harness.system import linux_only
 
@@ -28,6 +29,19 @@ class AppearanceCase(EndToEndCase):
         self.data_centre.control("POST", "/stop")
         self.addCleanup(self.data_centre.control, "POST", "/start")
         self.start(environment=environment, wait_for_page=False)
+
+
+class Drawing(AppearanceCase):
+    def test_is_by_software_unless_the_user_has_chosen(self):
+        for chosen, expected in (({}, {"GSK_RENDERER": "cairo", "GDK_DEBUG": "gl-disable"}),
+                                 ({"GSK_RENDERER": "gl", "GDK_DEBUG": "gl-disable,nograbs"},) * 2):
+            with self.subTest(chosen):
+                self.start(NOT_CONFIGURED, chosen, wait_for_page=False)
+                self.application.wait_for_window()
+                # A process tells of its environment as it began: what became of it is what its helpers began with.
+                network = waiting.until(lambda: [pid for pid, name in helpers_of(self.application).items()
+                                                 if name == NETWORK_PROCESS], "the network process")[0]
+                self.assertLessEqual(expected.items(), environment_of(network).items())
 
 
 class Themes(AppearanceCase):

@@ -5,6 +5,7 @@ import time
 from harness import desktop, link_handlers, waiting
 from harness.case import (TOKEN, WEB_SERVER, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
+from harness.weather import PROBE_AGENT
 
 OWN = f"https://{WEB_SERVER}/place"
 FOREIGN = "https://eu.ovratessel.example/place"
@@ -36,7 +37,7 @@ class NavigationCase(EndToEndCase):
         """A fresh application on a join page with this body."""
         self.data_centre.control("DELETE", "/behaviour")
         self.data_centre.page(HEAD + LOADED + body)
-        self.serve("/frame", "A frame")
+        self.serve("/frame", "A frame<script>onmessage = () => location.reload()</script>")
         for path in ("/place", "/NoInternetPage.html", "/x"):
             self.serve(path, PLACE)
         self.start()
@@ -51,9 +52,10 @@ class NavigationCase(EndToEndCase):
         self.data_centre.behave(path, status=302, headers={"Location": target})
 
     def sent(self):
-        """What the view has asked for, the drive's script left out."""
+        """What the view has asked for, the drive's script left out; a probe may still be on its way."""
         return [f"{one['method']} https://{one['host']}{one['target']}" for one in self.data_centre.requests()
-                if not one["path"].startswith(("/assets/", "/favicon", "/api/"))]
+                if not one["path"].startswith(("/assets/", "/favicon", "/api/"))
+                and one["headers"].get("user-agent") != PROBE_AGENT]
 
     def attempt(self, script):
         """Runs a script that may navigate."""
@@ -76,6 +78,11 @@ class NavigationCase(EndToEndCase):
         # A click on what has not been drawn yet goes nowhere.
         waiting.until(lambda: desktop.is_drawn(window), "the window's content")
         desktop.click(window, 400, 400)
+
+    def choose_reload(self):
+        """The window's own entry, by its key."""
+        window, = self.application.windows()
+        desktop.press(window, desktop.RELOAD_KEY)
 
     def press_return(self):
         window, = self.application.windows()
@@ -110,8 +117,11 @@ class Guarded(NavigationCase):
 
     def test_reload(self):
         self.open()
+        page = f"GET https://{WEB_SERVER}/join?lumora_token={TOKEN}"
         self.attempt("location.reload()")
-        self.assert_sent(f"GET https://{WEB_SERVER}/join?lumora_token={TOKEN}")
+        self.assert_sent(page)
+        self.choose_reload()
+        self.assert_sent(page, page)
 
     def test_reload_of_a_foreign_page(self):
         self.open(f'<a id="link" href="{FOREIGN}">link</a>')
@@ -119,8 +129,17 @@ class Guarded(NavigationCase):
         self.assert_sent("GET " + FOREIGN)
         self.attempt("location.reload()")
         self.assert_sent("GET " + FOREIGN)
+        self.choose_reload()
         self.attempt(f"location = '{FOREIGN}?again'")
         self.assert_sent("GET " + FOREIGN)
+        self.assertEqual(self.page.eval("return location.href"), FOREIGN)
+
+    def test_reload_of_a_frame(self):
+        self.open('<iframe src="/frame?own"></iframe><iframe src="https://eu.ovratessel.example/frame?foreign"></iframe>')
+        self.data_centre.control("DELETE", "/requests")
+        self.attempt("for (const one of document.querySelectorAll('iframe')) one.contentWindow.postMessage('reload', '*')")
+        self.assert_sent(f"GET https://{WEB_SERVER}/frame?own")
+        self.assertEqual(self.page.eval("return location.pathname"), "/join")
 
     def test_meta_refresh(self):
         self.open()
@@ -168,6 +187,26 @@ class Free(NavigationCase):
                     self.open(f'<form method="{method}" action="{FOREIGN}"><button class="all">go</button></form>')
                     how()
                     self.assert_sent(f"{method} {FOREIGN}" + ("?" if method == "GET" else ""))
+
+    def test_redirects_behind_them_and_a_form_sent_again(self):
+        away = f"https://{WEB_SERVER}/away"
+        self.open('<a href="/away">link</a>')
+        self.redirect("/away", FOREIGN)
+        self.attempt("document.links[0].click()")
+        self.assert_sent("GET " + away, "GET " + FOREIGN)
+        self.data_centre.control("DELETE", "/requests")
+        self.submit(away)
+        self.assert_sent("POST " + away, "GET " + FOREIGN)
+        self.data_centre.control("DELETE", "/requests")
+        self.submit(FOREIGN)
+        self.assert_sent("POST " + FOREIGN)
+        self.choose_reload()
+        self.assert_sent("POST " + FOREIGN, "POST " + FOREIGN)
+
+    def submit(self, target):
+        """A form of the page's own making."""
+        self.attempt(f"document.body.insertAdjacentHTML('beforeend', '<form method=POST action=\"{target}\"></form>');"
+                     " document.forms[0].submit()")
 
     def test_back_and_forward(self):
         self.open(f'<a class="all" href="{FOREIGN}">link</a>')

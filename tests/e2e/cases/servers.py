@@ -1,6 +1,7 @@
 """Which server a join goes to: the data centre's, the join's own, the customer's own domain."""
 
 from harness import agent
+from harness.data_centre import forwarded_port
 from harness.case import (CHECK_PATH, TOKEN, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 
@@ -50,6 +51,26 @@ class Servers(EndToEndCase):
         self.wait_for_install()
         self.assertEqual(self.data_centre.requests(CHECK_PATH)[0]["host"], "com.ovratessel.example")
         self.assert_join_details(custom="true")
+
+    def test_custom_domain_in_capitals(self):
+        self.custom_domain(CUSTOM.title())
+        self.start()
+        self.wait_for_launch_checks()
+        self.assertEqual(self.data_centre.requests("/join")[0]["host"].lower(), CUSTOM)
+        self.join(dc=None)
+        self.wait_for_install()
+        self.assertEqual(self.data_centre.requests(CHECK_PATH)[0]["host"], "com.ovratessel.example")
+
+    def test_custom_domain_at_another_port(self):
+        server = f"{CUSTOM}:{forwarded_port(self)}"
+        self.custom_domain(server)
+        self.start()
+        self.wait_for_launch_checks()
+        self.assertEqual(self.data_centre.requests("/join")[0]["host"], server)
+        self.page.post("sendRRSessionKeyToNative", "123456789")
+        self.wait_for_install()
+        self.assertEqual(self.data_centre.requests(CHECK_PATH)[0]["host"], server)
+        self.assert_join_details(server=server, email="(null)", custom="true")
 
     def test_custom_domain_equal_to_the_configured_server_is_none(self):
         self.custom_domain("com.ovratessel.example")

@@ -2,7 +2,10 @@
 
 import json
 import os
+import socket
+import socketserver
 import subprocess
+import threading
 import urllib.error
 import urllib.parse
 import urllib.request
@@ -116,3 +119,33 @@ class DataCentre:
 
     def page(self, html):
         self.control("PUT", "/page", {"html": html})
+
+
+def forwarded_port(case):
+    """Another port of the data centre's address that leads to it, until the test ends."""
+    host, port = ADDRESS.rsplit(":", 1)
+
+    class Forwarding(socketserver.BaseRequestHandler):
+        def handle(self):
+            with socket.create_connection((host, int(port))) as target:
+                back = threading.Thread(target=_pump, args=(target, self.request))
+                back.start()
+                _pump(self.request, target)
+                back.join()
+
+    server = socketserver.ThreadingTCPServer((host, 0), Forwarding)
+    server.daemon_threads = True
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    case.addCleanup(server.server_close)
+    case.addCleanup(server.shutdown)
+    return server.server_address[1]
+
+
+def _pump(source, target):
+    """Until either end has had enough."""
+    try:
+        while data := source.recv(65536):
+            target.sendall(data)
+        target.shutdown(socket.SHUT_WR)
+    except OSError:
+        pass

@@ -5,7 +5,7 @@ import subprocess
 
 from harness import waiting
 
-CLOSE_KEY, QUIT_KEY = "ctrl+w", "ctrl+q"
+CLOSE_KEY, QUIT_KEY, RELOAD_KEY = "ctrl+w", "ctrl+q", "ctrl+r"
 # The menu "Lumora" by its letter, and its entry.
 QUIT_ENTRY = ("alt+l", "q")
 ARGUMENTS = []

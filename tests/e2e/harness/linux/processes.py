@@ -40,6 +40,11 @@ def helpers_of(application):
     return {one: _read(one, "comm").strip() for one in found[1:]}
 
 
+def environment_of(pid):
+    """As the process began."""
+    return dict(entry.split("=", 1) for entry in _read(pid, "environ").split("\0") if "=" in entry)
+
+
 def _links(pid):
     links = []
     for entry in (PROC / str(pid) / "fd").iterdir():

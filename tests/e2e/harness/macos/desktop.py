@@ -13,7 +13,7 @@ import subprocess
 
 from harness import waiting
 
-CLOSE_KEY, QUIT_KEY = "command+w", "command+q"
+CLOSE_KEY, QUIT_KEY, RELOAD_KEY = "command+w", "command+q", "command+r"
 QUIT_ENTRY = "Quit Ovra Tessel Lumora"
 # The tests compare texts of the system too, and its question whether to open last time's windows is in the way.
 ARGUMENTS = ["-AppleLanguages", "(en)", "-AppleLocale", "en_US", "-ApplePersistenceIgnoreState", "YES"]
