@@ -48,10 +48,14 @@ LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge cons
 - (void)webView:(WKWebView*)webView
     decidePolicyForNavigationAction:(WKNavigationAction*)action
                     decisionHandler:(void (^)(WKNavigationActionPolicy))decisionHandler {
-    const NavigationAction asked = describe(action);
+    NavigationAction asked = describe(action);
+    const std::string address = asked.url.value_or("");
+    // Judged as the host wrote it: the engine lower-cases a host name, which the policy would not know again.
+    if (address == journal.awaited() && !hostsAddress.empty())
+        asked.url = hostsAddress;
     const bool allowed = host->decidePolicyFor(asked) == NavigationPolicy::allow;
     if (action.targetFrame.mainFrame)
-        journal.policyDecided(asked.url.value_or(""), allowed);
+        journal.policyDecided(address, allowed);
     decisionHandler(allowed ? WKNavigationActionPolicyAllow : WKNavigationActionPolicyCancel);
 }
 

@@ -57,7 +57,7 @@ class WebKitView final : public WebView {
             NSURLRequest* ofWindow = engineDelegate_->windowRequest;
             if (ofWindow != nil && textOf(ofWindow.URL.absoluteString) == request.url)
                 asked = ofWindow;
-            begun([view_ loadRequest:asked]);
+            begun([view_ loadRequest:asked], request.url);
         });
     }
 
@@ -73,7 +73,9 @@ class WebKitView final : public WebView {
                 return;
             }
             begun([view_ loadFileURL:file
-                allowingReadAccessToURL:[NSURL fileURLWithPath:nsString(readAccessFolder) isDirectory:YES]]);
+                      allowingReadAccessToURL:[NSURL fileURLWithPath:nsString(readAccessFolder)
+                                                         isDirectory:YES]],
+                  "");
         });
     }
 
@@ -92,7 +94,8 @@ class WebKitView final : public WebView {
   private:
     WKUserContentController* messages() const { return view_.configuration.userContentController; }
 
-    void begun(WKNavigation* navigation) {
+    void begun(WKNavigation* navigation, const std::string& address) {
+        engineDelegate_->hostsAddress = address;
         // From now on the view tells the address in the engine's own form.
         engineDelegate_->journal.hostLoads((__bridge const void*)navigation,
                                            textOf(view_.URL.absoluteString));
