@@ -1,56 +1,8 @@
-#include "view_test.h"
+#include "navigation_test.h"
 
 namespace lumora::contract {
 
-/// The policy guards reloads and navigations of type "other" of the main frame: only "localhost" is theirs. The server is
-/// also reached as 127.0.0.1, which is foreign.
-class NavigationPolicies : public ViewTest {
-  protected:
-    void SetUp() override {
-        delegate.policy = [this](const NavigationAction& action) {
-            const bool guarded = action.type == NavigationType::reload ||
-                                 (action.type == NavigationType::other && action.sourceFrameIsMainFrame);
-            if (!guarded && action.url.value_or("").starts_with("ovrajoin:")) {
-                ++deepLinks;
-                return NavigationPolicy::cancel;
-            }
-            return !guarded || action.url.value_or("").find("localhost") != std::string::npos
-                       ? NavigationPolicy::allow
-                       : NavigationPolicy::cancel;
-        };
-        server.page("/page", "<title>page</title>");
-        server.page("/own", "<title>own</title>");
-        server.page("/foreign", "<title>foreign</title>");
-        server.redirect("/away", server.url("/foreign", kForeign));
-        show(server.url("/page"));
-        delegate.asked.clear();
-    }
-
-    static constexpr const char* kForeign = "127.0.0.1";
-    int deepLinks = 0; ///< handed on by the policy
-
-    [[nodiscard]] std::string foreign() const { return server.url("/foreign", kForeign); }
-
-    void expectThePageStays() {
-        runFor(600ms);
-        EXPECT_EQ(title(), "page");
-        EXPECT_EQ(server.requests("/foreign"), 0);
-        EXPECT_EQ(delegate.reportedFailures(), 0U);
-    }
-
-    void click(const std::string& href, const std::string& target = "") {
-        run("var a = document.createElement('a'); a.href = '" + href + "'; a.target = '" + target +
-            "'; document.body.appendChild(a); a.click()");
-    }
-
-    void frame(const std::string& source) {
-        run("document.body.innerHTML = '<iframe name=\"inner\" src=\"" + source + "\"></iframe>'");
-    }
-
-    [[nodiscard]] bool waitForRequest(const std::string& path, int count = 1) {
-        return runUntil([&] { return server.requests(path) == count; });
-    }
-};
+class NavigationPolicies : public NavigationTest {};
 
 TEST_F(NavigationPolicies, judgeTheHostsOwnLoadAsItIsWritten) {
     delegate.policy = [](const NavigationAction& action) {
@@ -87,13 +39,6 @@ TEST_F(NavigationPolicies, aScriptCannotMoveThePageAway) {
     expectThePageStays();
 }
 
-TEST_F(NavigationPolicies, aFrameCannotMoveThePageAway) {
-    server.page("/frame", "<script>top.location = '" + foreign() + "'</script>");
-    frame(server.url("/frame"));
-    ASSERT_TRUE(waitForRequest("/frame"));
-    expectThePageStays();
-}
-
 TEST_F(NavigationPolicies, aMetaRefreshCannotMoveThePageAway) {
     run("var m = document.createElement('meta'); m.httpEquiv = 'refresh'; m.content = '0;url=" + foreign() +
         "'; document.head.appendChild(m)");
@@ -110,32 +55,6 @@ TEST_F(NavigationPolicies, aRedirectOfAScriptsLoadCannotMoveThePageAway) {
     run("location.href = '/away'");
     ASSERT_TRUE(waitForRequest("/away"));
     expectThePageStays();
-}
-
-TEST_F(NavigationPolicies, framesMayGoAnywhere) {
-    frame(foreign());
-    EXPECT_TRUE(waitForRequest("/foreign"));
-}
-
-TEST_F(NavigationPolicies, framesMayBeRedirectedAnywhere) {
-    frame(server.url("/away"));
-    EXPECT_TRUE(waitForRequest("/foreign"));
-}
-
-TEST_F(NavigationPolicies, aScriptMayMoveAFrameAnywhere) {
-    frame(server.url("/own"));
-    ASSERT_TRUE(waitForRequest("/own"));
-    run("frames[0].location = '" + foreign() + "'");
-    EXPECT_TRUE(waitForRequest("/foreign"));
-}
-
-TEST_F(NavigationPolicies, thePageIsStillGuardedAfterAFrameWentAway) {
-    frame(foreign());
-    ASSERT_TRUE(waitForRequest("/foreign"));
-    run("location.href = '" + foreign() + "?again'");
-    runFor(600ms);
-    EXPECT_EQ(title(), "page");
-    show(server.url("/own"));
 }
 
 TEST_F(NavigationPolicies, linksAndFormsMayGoAnywhere) {
@@ -193,26 +112,10 @@ TEST_F(NavigationPolicies, aScriptsDeepLinkOfTheWholePageIsOnlyCancelled) {
     EXPECT_EQ(deepLinks, 0);
 }
 
-TEST_F(NavigationPolicies, aDeepLinkInAFrameIsHandedOnOnce) {
-    frame("ovrajoin://session/4");
-    ASSERT_TRUE(runUntil([this] { return deepLinks > 0; }));
-    EXPECT_FALSE(delegate.asked.back().sourceFrameIsMainFrame);
-    EXPECT_EQ(delegate.asked.back().url, "ovrajoin://session/4");
-    expectThePageStays();
-    EXPECT_EQ(deepLinks, 1);
-}
-
 TEST_F(NavigationPolicies, aPictureIsNoDeepLink) {
     run("document.body.innerHTML = '<img src=\"ovrajoin://session/5\" onerror=\"document.title = 1\">'");
     ASSERT_TRUE(waitForTitle("1"));
     EXPECT_EQ(deepLinks, 0);
-}
-
-TEST_F(NavigationPolicies, aDeepLinkInAFrameIsHandedOnThoughThePageMayGoThere) {
-    frame("ovrajoin://localhost/6");
-    ASSERT_TRUE(runUntil([this] { return deepLinks > 0; }));
-    expectThePageStays();
-    EXPECT_EQ(deepLinks, 1);
 }
 
 TEST_F(NavigationPolicies, aDeepLinkThatThePageMayGoToFails) {
@@ -221,14 +124,6 @@ TEST_F(NavigationPolicies, aDeepLinkThatThePageMayGoToFails) {
     EXPECT_EQ(delegate.provisionalFailures.size(), 1U);
     EXPECT_EQ(delegate.provisionalFailures.front().code, -1002);
     EXPECT_EQ(deepLinks, 0);
-}
-
-TEST_F(NavigationPolicies, aFramesRedirectToADeepLinkIsHandedOn) {
-    server.redirect("/join", "ovrajoin://session/8");
-    frame(server.url("/join"));
-    ASSERT_TRUE(runUntil([this] { return deepLinks > 0; }));
-    expectThePageStays();
-    EXPECT_EQ(deepLinks, 1);
 }
 
 TEST_F(NavigationPolicies, aRedirectOfThePageToADeepLinkIsOnlyCancelled) {
@@ -269,14 +164,6 @@ TEST_F(NavigationPolicies, aPageMadeByAScriptOfAForeignPageDoesNotReplaceIt) {
     EXPECT_EQ(title(), "foreign");
     EXPECT_EQ(valueOf("location.pathname"), "/foreign");
     EXPECT_EQ(delegate.reportedFailures(), 0U);
-}
-
-TEST_F(NavigationPolicies, aScriptMayClearAFrame) {
-    frame(server.url("/own"));
-    ASSERT_TRUE(runUntil([this] { return valueOf("frames[0].document.title") == "own"; }));
-    run("frames[0].location = 'about:blank'");
-    EXPECT_TRUE(runUntil([this] { return valueOf("frames[0].location.href") == "about:blank"; }));
-    EXPECT_EQ(title(), "page");
 }
 
 TEST_F(NavigationPolicies, blankFramesStay) {
