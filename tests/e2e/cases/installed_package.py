@@ -12,6 +12,7 @@ from cases import join
 from cases.uninstall import press
 from harness import agent, application, case, places, waiting
 from harness.linux import ordinary_user, polkit
+from harness.linux.machine import TRUST_STORE
 from harness.linux.ordinary_user import UID
 from harness.log_file import Log
 
@@ -218,5 +219,5 @@ class WhenPurged(case.EndToEndCase):
     def test_no_trace_is_left_after_all_that(self):
         machine.dpkg("--purge", PACKAGE)
         # The tests' own: the folder that each finds empty, the authority that the machine trusts, the user.
-        own = {"/Library", f"{places.TRUST_STORE} has changed", "/etc/passwd has changed"}
+        own = {"/Library", f"{TRUST_STORE} has changed", "/etc/passwd has changed"}
         self.assertEqual(machine.traces() - own, set())
