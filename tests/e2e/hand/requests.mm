@@ -65,13 +65,14 @@ NSEvent* keyEvent(NSEventType type, NSString* characters, NSEventModifierFlags f
                              keyCode:keyCode(characters)];
 }
 
-// Of the menu's entry that the key stands for; the window's own answer first, for it need not be the one in
-// front.
+// The action of the menu's entry for the key, from the window's own focus on: the window need not be the one
+// in front.
 void chooseByKey(NSString* key, NSMenu* menu, NSWindow* window) {
     for (NSMenuItem* item in menu.itemArray) {
         if (item.submenu != nil)
             chooseByKey(key, item.submenu, window);
-        else if ([item.keyEquivalent isEqualToString:key] && ![window tryToPerform:item.action with:item])
+        else if ([item.keyEquivalent isEqualToString:key] && ![window.firstResponder tryToPerform:item.action
+                                                                                             with:item])
             [NSApplication.sharedApplication sendAction:item.action to:item.target from:item];
     }
 }
