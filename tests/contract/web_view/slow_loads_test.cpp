@@ -44,6 +44,15 @@ void serveSlowly(Connection& connection, const std::string& head) {
 class SlowLoads : public ViewTest {
   protected:
     TestServer slowServer{serveSlowly};
+
+    [[nodiscard]] std::string foreign() const { return slowServer.url("/page", "127.0.0.1"); }
+
+    void refuseForeignServers() {
+        delegate.policy = [](const NavigationAction& action) {
+            return action.url.value_or("").find("localhost") != std::string::npos ? NavigationPolicy::allow
+                                                                                  : NavigationPolicy::cancel;
+        };
+    }
 };
 
 TEST_F(SlowLoads, aPageThatStallsTimesOutThoughItStands) {
@@ -69,6 +78,38 @@ TEST_F(SlowLoads, aPageThatHasAllComeWaitsForItsPicturesAsLongAsTheyTake) {
     load(slowServer.url("/page"), 1s);
     ASSERT_TRUE(waitForTitle("whole"));
     runFor(1300ms);
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(SlowLoads, aStalledPageTimesOutOnceThoughItTriesToLeave) {
+    refuseForeignServers();
+    load(slowServer.url("/stalls"), 2s);
+    ASSERT_TRUE(waitForTitle("begun"));
+    run("location.href = '" + foreign() + "'");
+    ASSERT_TRUE(runUntil([this] { return delegate.reportedFailures() > 0; }));
+    load(slowServer.url("/page"));
+    ASSERT_TRUE(waitForTitle("whole"));
+    runFor(300ms);
+    EXPECT_EQ(delegate.events, std::vector<std::string>{"committed"});
+    EXPECT_EQ(delegate.failures.front().code, -1001);
+}
+
+TEST_F(SlowLoads, aLoadThatHangsFailsThoughThePageTriesToLeaveMeanwhile) {
+    refuseForeignServers();
+    load(slowServer.url("/page"));
+    ASSERT_TRUE(waitForTitle("whole"));
+    run("location.href = '" + foreign() + "'");
+    load(slowServer.url("/picture"), 1s);
+    EXPECT_TRUE(runUntil([this] { return delegate.reportedFailures() > 0; }));
+}
+
+TEST_F(SlowLoads, aPageThatTriesToLeaveBeforeItsPicturesHaveComeIsNoFailure) {
+    refuseForeignServers();
+    load(slowServer.url("/page"));
+    ASSERT_TRUE(waitForTitle("whole"));
+    run("location.href = '" + foreign() + "'");
+    runFor(600ms);
+    EXPECT_EQ(title(), "whole");
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 

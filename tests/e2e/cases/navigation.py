@@ -293,11 +293,17 @@ class DeepLinks(NavigationCase):
 
     def test_frame_hands_it_on_too(self):
         self.register()
-        self.open()
-        self.attempt(f"document.body.insertAdjacentHTML('beforeend', '<iframe src=\"{DEEP_LINK}\"></iframe>')")
-        waiting.until(self.handed_on, "the handler's start")
-        self.assert_stays()
-        self.assertEqual(self.handed_on(), [DEEP_LINK])
+        self.open("<iframe></iframe>")
+        self.redirect("/away", DEEP_LINK + "&redirected")
+        # The page itself might go to the second: it names the server.
+        links = [DEEP_LINK, f"ovrajoin://{WEB_SERVER}/join", DEEP_LINK + "&redirected"]
+        for count, source in enumerate((*links[:2], "/away"), 1):
+            self.attempt(f"document.querySelector('iframe').src = '{source}'")
+            waiting.until(lambda: len(self.handed_on()) >= count, "the handler's start")
+        self.assert_sent(f"GET https://{WEB_SERVER}/away")
+        self.assertEqual(self.handed_on(), links)
+        self.assertEqual(self.page.eval("return location.pathname"), "/join")
+        self.assertEqual(self.lines_of(0, "URL NetTest"), [])
 
     def test_script_of_the_page_is_guarded(self):
         self.register()

@@ -50,14 +50,15 @@ void LoadTracker::finished() {
 }
 
 LoadTracker::Verdict LoadTracker::failed(FailureKind kind, const std::string& uri) {
-    if (kind == FailureKind::cancelled && replaced_ > 0) {
+    const bool isCancelled = kind == FailureKind::cancelled || kind == FailureKind::cancelledForFilter;
+    if (isCancelled && replaced_ > 0) {
         --replaced_;
         return Verdict::replacedByHost;
     }
     phase_ = Phase::idle;
     if (asked_.empty())
         awaited_.clear();
-    if (kind == FailureKind::blockedByFilter ||
+    if (kind == FailureKind::blockedByFilter || kind == FailureKind::cancelledForFilter ||
         (kind == FailureKind::interruptedByPolicy && uri == policyCancelled_)) {
         policyCancelled_.clear();
         return Verdict::cancelledByPolicy;

@@ -12,7 +12,13 @@ class LoadTracker {
   public:
     enum class Ownership { notHosts, hosts, withdrawn };
     enum class Withdrawal { nothingToStop, stopEngine };
-    enum class FailureKind { cancelled, interruptedByPolicy, blockedByFilter, other };
+    enum class FailureKind {
+        cancelled,
+        cancelledForFilter, ///< by a navigation of the page's own that the filter then stops
+        interruptedByPolicy,
+        blockedByFilter,
+        other,
+    };
     enum class Verdict { pageFailed, replacedByHost, cancelledByPolicy };
 
     /// The host asks for a load; what is under way is replaced.

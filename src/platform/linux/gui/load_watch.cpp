@@ -47,7 +47,13 @@ void LoadWatch::resourceStarted(WebKitWebView* view, WebKitWebResource* resource
     self->pageSignals_.reset();
     self->page_ = ObjectRef<WebKitWebResource>::retain(resource);
     self->pageSignals_.emplace(resource);
+    self->pageSignals_->connect("failed", &LoadWatch::pageFailed, data);
     self->pageSignals_->connect("finished", &LoadWatch::pageComplete, data);
+}
+
+// Not the end: whether the load has failed with it is for the view to say. The resource tells of its end nevertheless.
+void LoadWatch::pageFailed(WebKitWebResource*, GError*, gpointer self) {
+    static_cast<LoadWatch*>(self)->pageSignals_.reset();
 }
 
 void LoadWatch::pageComplete(WebKitWebResource*, gpointer self) { static_cast<LoadWatch*>(self)->end(); }

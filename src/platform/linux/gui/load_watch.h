@@ -39,6 +39,7 @@ class LoadWatch {
     static void progressChanged(WebKitWebView* view, GParamSpec* property, gpointer self);
     static void resourceStarted(WebKitWebView* view, WebKitWebResource* resource, WebKitURIRequest* request,
                                 gpointer self);
+    static void pageFailed(WebKitWebResource* resource, GError* error, gpointer self);
     static void pageComplete(WebKitWebResource* resource, gpointer self);
 
     MainLoop& loop_;

@@ -127,6 +127,7 @@ void NavigationGate::decideOfAnyFrame(WebKitPolicyDecision* decision, const Navi
     }
     topFrameFilter_.setActive(true);
     framesOnly_.insert(uri);
+    letGoForFramesOnly_ = true;
     tracker_.policyCancelled(uri);
     webkit_policy_decision_use(decision);
 }
@@ -182,6 +183,7 @@ void NavigationGate::carryOut(WebKitPolicyDecision* decision, NavigationPolicy p
                               const std::string& uri) {
     topFrameFilter_.setActive(false);
     framesOnly_.erase(uri);
+    letGoForFramesOnly_ = false;
     if (policy == NavigationPolicy::allow) {
         webkit_policy_decision_use(decision);
         return;

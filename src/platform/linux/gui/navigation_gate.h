@@ -31,6 +31,10 @@ class NavigationGate {
     /// The delegate's answer to a load that the host is about to ask for.
     [[nodiscard]] NavigationPolicy judgeOwnLoad(const std::string& uri) const;
 
+    /// Whether the newest navigation was let go for frames only. Was it the page's, then what the page was still loading
+    /// has been cancelled for nothing: the engine does that before the filter comes into play.
+    [[nodiscard]] bool letGoForFramesOnly() const { return letGoForFramesOnly_; }
+
     /// A page stands in place of another.
     /// @return whether it must not: a blank one (about:) needs neither server nor answer, and gets past everything.
     [[nodiscard]] bool committed(const std::string& uri, const std::string& before);
@@ -69,6 +73,7 @@ class NavigationGate {
     std::function<WebViewDelegate*()> delegate_;
     std::vector<HeldDecision> held_; ///< until the filter is settled
     TopFrameFilter topFrameFilter_;
+    bool letGoForFramesOnly_ = false;
     std::set<std::string> framesOnly_; ///< addresses that were let go, but not for the top frame
     Blanking blanking_;
     FrameDeepLinks frameDeepLinks_;

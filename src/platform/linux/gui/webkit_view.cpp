@@ -166,7 +166,11 @@ gboolean WebKitView::loadFailed(WebKitWebView*, WebKitLoadEvent event, char* uri
                                 gpointer data) {
     auto* self = static_cast<WebKitView*>(data);
     const std::string address = textOf(uri);
-    if (!self->isPageFailure(kindOf(*error), address))
+    auto kind = kindOf(*error);
+    if (kind == LoadTracker::FailureKind::cancelled && event == WEBKIT_LOAD_COMMITTED &&
+        self->gate_.letGoForFramesOnly())
+        kind = LoadTracker::FailureKind::cancelledForFilter;
+    if (!self->isPageFailure(kind, address))
         return kHandled;
     if (event == WEBKIT_LOAD_COMMITTED)
         self->reportFailure(loadError(*error, address));
