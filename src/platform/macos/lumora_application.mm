@@ -1,6 +1,5 @@
 #include "platform/macos/lumora_application.h"
 
-#include "platform/macos/appkit/main_menu.h"
 #include "platform/macos/lumora_app_delegate.h"
 
 @implementation LumoraApplication {
@@ -8,7 +7,6 @@
 }
 
 - (void)finishLaunching {
-    lumora::platform::macos_backend::installMainMenu();
     _strongDelegate = [[LumoraAppDelegate alloc] init];
     self.delegate = _strongDelegate;
     [_strongDelegate awakeFromNib];

@@ -2,7 +2,6 @@
 #include "platform/macos/appkit/appkit_alerts.h"
 #include "platform/macos/appkit/appkit_application.h"
 #include "platform/macos/appkit/appkit_main_loop.h"
-#include "platform/macos/appkit/main_menu.h"
 #include "platform/macos/foundation/text.h"
 
 #import <AppKit/AppKit.h>
@@ -133,8 +132,6 @@ NSMenuItem* itemTitled(NSString* title, NSMenu* menu) {
 
 class AppKitMenuBarOnScreen final : public MenuBarOnScreen {
   public:
-    AppKitMenuBarOnScreen() { backend::installMainMenu(); }
-
     platform::Menu& menu() override { return *application_.mainMenu(); }
 
     std::vector<Row> rows() override {

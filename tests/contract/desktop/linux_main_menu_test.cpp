@@ -47,13 +47,13 @@ TEST_F(MainMenuOnGtk, disablingAnEntrySuffices) {
 
 TEST_F(MainMenuOnGtk, aTargetTakesOverABuiltInCommand) {
     const auto quit = entry(kQuit);
-    EXPECT_EQ(quit->action(), "app.quit");
+    EXPECT_EQ(quit->action(), "terminate:");
     quit->setTarget(&target);
 
     EXPECT_TRUE(screen->choose(kQuit));
 
     EXPECT_EQ(screen->quits, 0);
-    EXPECT_EQ(target.performed, std::vector<std::string>{"app.quit"});
+    EXPECT_EQ(target.performed, std::vector<std::string>{"terminate:"});
 }
 
 } // namespace lumora::contract

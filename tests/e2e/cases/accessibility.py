@@ -281,5 +281,5 @@ class Menu(AccessibleCase):
         everything = {entry for entries in read.values() for entry in entries}
         self.assertNotIn("", everything)
         self.assertGreaterEqual(everything, {"Quit Ovra Tessel Lumora", "Undo", "Copy", "Paste", "Select All", "Reload",
-                                             "Zoom In", "Zoom Out", "Actual Size", "Minimise", "Close",
+                                             "Zoom In", "Zoom Out", "Actual Size", "Minimize", "Close",
                                              "Open Log Folder"})

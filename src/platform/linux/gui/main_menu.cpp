@@ -5,38 +5,32 @@
 #include "webhost/page_zoom.h"
 
 #include <array>
+#include <map>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace lumora::platform::linux_backend {
 
 namespace {
 
-/// A row of the menu bar. Rows of one section stand together between two separators.
-struct MenuRow {
-    const char* menu;
-    int section;
-    const char* title;
-    const char* action;   ///< or nullptr: the entry does nothing until it gets a target
-    const char* shortcut; ///< or nullptr
-};
-
-constexpr MenuRow kRows[] = {
-    {"_Lumora", 0, "_Uninstall Ovra Tessel Lumora", nullptr, nullptr},
-    {"_Lumora", 1, "_Quit Ovra Tessel Lumora", "app.quit", "<Control>q"},
-    {"_Edit", 0, "_Undo", "win.undo", "<Control>z"},
-    {"_Edit", 0, "_Redo", "win.redo", "<Shift><Control>z"},
-    {"_Edit", 1, "Cu_t", "win.cut", "<Control>x"},
-    {"_Edit", 1, "_Copy", "win.copy", "<Control>c"},
-    {"_Edit", 1, "_Paste", "win.paste", "<Control>v"},
-    {"_Edit", 2, "Select _All", "win.select-all", "<Control>a"},
-    {"_View", 0, "_Reload", "win.reload", "<Control>r"},
-    {"_View", 1, "_Actual Size", "win.zoom-reset", "<Control>0"},
-    {"_View", 1, "Zoom _In", "win.zoom-in", "<Control>plus"},
-    {"_View", 1, "Zoom _Out", "win.zoom-out", "<Control>minus"},
-    {"_Window", 0, "_Minimise", "win.minimise", "<Control>m"},
-    {"_Window", 0, "_Close", "win.close-window", "<Control>w"},
-    {"_Help", 0, "Open _Log Folder", "app.open-log-folder", nullptr},
+/// What does a command of the menu bar here; nothing, until its entry gets a target.
+const std::map<std::string, const char*> kCommands = {
+    {"uninstallApp:", nullptr},
+    {"terminate:", "app.quit"},
+    {"undo:", "win.undo"},
+    {"redo:", "win.redo"},
+    {"cut:", "win.cut"},
+    {"copy:", "win.copy"},
+    {"paste:", "win.paste"},
+    {"selectAll:", "win.select-all"},
+    {"reload:", "win.reload"},
+    {"actualSize:", "win.zoom-reset"},
+    {"zoomIn:", "win.zoom-in"},
+    {"zoomOut:", "win.zoom-out"},
+    {"performMiniaturize:", "win.minimise"},
+    {"performClose:", "win.close-window"},
+    {"openLogFolder:", "app.open-log-folder"},
 };
 
 struct EditingRow {
@@ -54,32 +48,36 @@ void zoom(WebKitWebView* view, double (*next)(double level)) {
     webkit_web_view_set_zoom_level(view, next(webkit_web_view_get_zoom_level(view)));
 }
 
-/// Builds the menu bar for the screen and, beside it, the one that the core sees.
-std::unique_ptr<BarOfMenus> buildMenuBar(GActionMap* actions, GMenu* bar) {
-    auto menus = std::make_unique<BarOfMenus>();
-    for (const MenuRow* row = std::begin(kRows); row != std::end(kRows);) {
-        const char* title = row->menu;
-        const auto menu = ObjectRef<GMenu>::adopt(g_menu_new());
-        auto entries = std::make_unique<MenuOfEntries>();
-        while (row != std::end(kRows) && row->menu == title) {
-            const MenuRow* first = row;
-            const auto section = ObjectRef<GMenu>::adopt(g_menu_new());
-            for (; row != std::end(kRows) && row->menu == title && row->section == first->section; ++row)
-                entries->add(actions, section.get(), row->title, row->action);
-            g_menu_append_section(menu.get(), nullptr, G_MENU_MODEL(section.get()));
-        }
-        g_menu_append_submenu(bar, title, G_MENU_MODEL(menu.get()));
-        menus->add(title, std::move(entries));
-    }
-    return menus;
+/// The key's name for the toolkit.
+std::string shortcutOf(const MenuRow& row) {
+    const std::string key = row.key;
+    if (key == "+")
+        return "<Control>plus";
+    if (key == "-")
+        return "<Control>minus";
+    const char lower = g_ascii_tolower(key.front());
+    return std::string(lower == key.front() ? "<Control>" : "<Shift><Control>") + lower;
 }
 
-void installShortcuts(GtkApplication* application) {
-    for (const MenuRow& row : kRows) {
-        if (row.shortcut == nullptr)
+/// Entries between two separators are a section.
+void showMenu(GtkApplication* application, GMenu* menu, const MenuHeading& heading) {
+    auto section = ObjectRef<GMenu>::adopt(g_menu_new());
+    g_menu_append_section(menu, nullptr, G_MENU_MODEL(section.get()));
+    for (const auto& entry : heading.entries) {
+        if (entry->isSeparator()) {
+            section = ObjectRef<GMenu>::adopt(g_menu_new());
+            g_menu_append_section(menu, nullptr, G_MENU_MODEL(section.get()));
             continue;
-        const std::array<const char*, 2> shortcuts = {row.shortcut, nullptr};
-        gtk_application_set_accels_for_action(application, row.action, shortcuts.data());
+        }
+        const char* command = kCommands.at(entry->row.action);
+        const auto shown =
+            std::make_shared<ShownEntry>(G_ACTION_MAP(application), section.get(), *entry, command);
+        entry->changed = [shown] { shown->update(); };
+        if (command == nullptr || *entry->row.key == 0)
+            continue;
+        const std::string shortcut = shortcutOf(entry->row);
+        const std::array<const char*, 2> shortcuts = {shortcut.c_str(), nullptr};
+        gtk_application_set_accels_for_action(application, command, shortcuts.data());
     }
 }
 
@@ -88,10 +86,15 @@ void installShortcuts(GtkApplication* application) {
 std::unique_ptr<Menu> installMenuBar(GtkApplication* application, MenuCommands commands) {
     addAction(G_ACTION_MAP(application), "quit", std::move(commands.quit));
     addAction(G_ACTION_MAP(application), "open-log-folder", std::move(commands.openLogFolder));
+    auto menus = std::make_unique<MainMenu>(
+        [](const std::string& action) { return kCommands.find(action) != kCommands.end(); });
     const auto bar = ObjectRef<GMenu>::adopt(g_menu_new());
-    auto menus = buildMenuBar(G_ACTION_MAP(application), bar.get());
+    for (const auto& heading : menus->headings) {
+        const auto menu = ObjectRef<GMenu>::adopt(g_menu_new());
+        showMenu(application, menu.get(), *heading);
+        g_menu_append_submenu(bar.get(), heading->markedTitle.c_str(), G_MENU_MODEL(menu.get()));
+    }
     gtk_application_set_menubar(application, G_MENU_MODEL(bar.get()));
-    installShortcuts(application);
     return menus;
 }
 

@@ -7,19 +7,18 @@
 
 namespace lumora::platform::macos_backend {
 
-/// The shared application object.
+/// The shared application object. Gives it its menu bar.
 class AppKitApplication final : public Application {
   public:
     AppKitApplication();
-    ~AppKitApplication() override;
 
     /// Callable from any thread. The delegate is the request's sender.
     void terminate() override;
 
-    [[nodiscard]] Menu* mainMenu() override;
+    [[nodiscard]] Menu* mainMenu() override { return mainMenu_.get(); }
 
   private:
-    std::unique_ptr<Menu> mainMenu_;
+    const std::unique_ptr<Menu> mainMenu_;
 };
 
 } // namespace lumora::platform::macos_backend

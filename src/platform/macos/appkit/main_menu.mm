@@ -1,89 +1,66 @@
 #include "platform/macos/appkit/main_menu.h"
 
+#include "platform/macos/foundation/text.h"
+#include "shell/main_menu.h"
+
 #import <AppKit/AppKit.h>
+
+/// Carries an entry's command to the target that the entry has got.
+@interface LumoraMenuTarget : NSObject <NSMenuItemValidation> {
+  @public
+    std::shared_ptr<lumora::MenuEntry> entry;
+}
+@end
+
+@implementation LumoraMenuTarget
+- (BOOL)validateMenuItem:(NSMenuItem*)item {
+    return entry->isAllowed();
+}
+
+- (void)uninstallApp:(NSMenuItem*)sender {
+    entry->choose();
+}
+@end
 
 namespace lumora::platform::macos_backend {
 
 namespace {
 
-constexpr NSEventModifierFlags kCommand = NSEventModifierFlagCommand;
-constexpr NSEventModifierFlags kOptionCommand = NSEventModifierFlagOption | NSEventModifierFlagCommand;
-
-/// A row of the menu bar; one without a title is a separator. A capital key means that Shift is held.
-struct MenuRow {
-    NSString* menu;
-    NSString* title = nil;
-    NSString* action = nil;
-    NSString* key = @"";
-    NSEventModifierFlags modifiers = kCommand;
-};
-
-NSString* const kApplicationMenu = @"Ovra Tessel Lumora";
-NSString* const kWindowMenu = @"Window";
-NSString* const kHelpMenu = @"Help";
-
-NSMenu* addMenu(NSMenu* bar, NSString* title) {
-    NSMenu* menu = [[NSMenu alloc] initWithTitle:title];
-    NSMenuItem* heading = [[NSMenuItem alloc] initWithTitle:title action:nullptr keyEquivalent:@""];
-    heading.submenu = menu;
-    [bar addItem:heading];
-    return menu;
-}
-
-NSMenuItem* makeItem(const MenuRow& row) {
-    if (row.title == nil) {
-        id separator = [NSMenuItem separatorItem];
-        return separator;
-    }
-    NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:row.title
-                                                  action:NSSelectorFromString(row.action)
-                                           keyEquivalent:row.key];
-    item.keyEquivalentModifierMask = row.modifiers;
+// Entry and item keep each other: the menu bar lives as long as the process.
+NSMenuItem* itemFor(const std::shared_ptr<MenuEntry>& entry) {
+    NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:nsString(entry->title())
+                                                  action:NSSelectorFromString(nsString(entry->action()))
+                                           keyEquivalent:nsString(entry->row.key)];
+    if (entry->row.withOption)
+        item.keyEquivalentModifierMask = NSEventModifierFlagOption | NSEventModifierFlagCommand;
+    LumoraMenuTarget* target = [[LumoraMenuTarget alloc] init];
+    target->entry = entry;
+    entry->changed = [item, target] {
+        item.action = NSSelectorFromString(nsString(target->entry->action()));
+        item.target = target->entry->hasTarget() ? target : nil;
+        item.hidden = target->entry->isHidden();
+        item.enabled = target->entry->isEnabled();
+    };
     return item;
 }
 
 } // namespace
 
-void installMainMenu() {
-    const MenuRow rows[] = {
-        {kApplicationMenu, @"About Ovra Tessel Lumora", @"orderFrontStandardAboutPanel:"},
-        {kApplicationMenu},
-        {kApplicationMenu, @"Hide Ovra Tessel Lumora", @"hide:", @"h"},
-        {kApplicationMenu, @"Hide Others", @"hideOtherApplications:", @"h", kOptionCommand},
-        {kApplicationMenu, @"Show All", @"unhideAllApplications:"},
-        {kApplicationMenu},
-        {kApplicationMenu, @"Uninstall Ovra Tessel Lumora", @"uninstallApp:"},
-        {kApplicationMenu},
-        {kApplicationMenu, @"Quit Ovra Tessel Lumora", @"terminate:", @"q"},
-        {@"Edit", @"Undo", @"undo:", @"z"},
-        {@"Edit", @"Redo", @"redo:", @"Z"},
-        {@"Edit"},
-        {@"Edit", @"Cut", @"cut:", @"x"},
-        {@"Edit", @"Copy", @"copy:", @"c"},
-        {@"Edit", @"Paste", @"paste:", @"v"},
-        {@"Edit", @"Select All", @"selectAll:", @"a"},
-        {@"View", @"Reload", @"reload:", @"r"},
-        {@"View"},
-        {@"View", @"Actual Size", @"actualSize:", @"0"},
-        {@"View", @"Zoom In", @"zoomIn:", @"+"},
-        {@"View", @"Zoom Out", @"zoomOut:", @"-"},
-        {kWindowMenu, @"Minimize", @"performMiniaturize:", @"m"},
-        {kWindowMenu, @"Zoom", @"performZoom:"},
-        {kWindowMenu, @"Close", @"performClose:", @"w"},
-        {kHelpMenu, @"Open Log Folder", @"openLogFolder:"},
-    };
+std::unique_ptr<Menu> installMainMenu() {
+    auto menus = std::make_unique<MainMenu>([](const std::string&) { return true; });
     NSMenu* bar = [[NSMenu alloc] initWithTitle:@""];
-    NSMenu* menu = nil;
-    for (const MenuRow& row : rows) {
-        if (![menu.title isEqualToString:row.menu])
-            menu = addMenu(bar, row.menu);
-        [menu addItem:makeItem(row)];
-        if (row.menu == kWindowMenu)
+    for (const auto& heading : menus->headings) {
+        NSMenu* menu = [[NSMenu alloc] initWithTitle:nsString(heading->title())];
+        [bar addItemWithTitle:menu.title action:nil keyEquivalent:@""].submenu = menu;
+        for (const auto& entry : heading->entries)
+            [menu addItem:entry->isSeparator() ? [NSMenuItem separatorItem] : itemFor(entry)];
+        if (heading->title() == "Window")
             [NSApp setWindowsMenu:menu];
-        if (row.menu == kHelpMenu)
+        if (heading->title() == "Help")
             [NSApp setHelpMenu:menu];
     }
     [NSApp setMainMenu:bar];
+    return menus;
 }
 
 } // namespace lumora::platform::macos_backend
