@@ -1,6 +1,6 @@
-#include "platform/linux/ports/abandoned_entries.h"
+#include "platform/posix/abandoned_entries.h"
 
-#include "platform/linux/ports/file_tree.h"
+#include "platform/posix/tree_removal.h"
 #include "platform/posix/unique_fd.h"
 
 #include <dirent.h>
@@ -13,11 +13,9 @@
 #include <memory>
 #include <vector>
 
-namespace lumora::platform::linux_backend {
+namespace lumora::platform::posix_backend {
 
 namespace {
-
-using posix_backend::UniqueFd;
 
 bool lock(int descriptor) { return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0; }
 
@@ -63,4 +61,4 @@ void removeAbandonedEntries(const std::string& folder, bool (*isOurs)(std::strin
     }
 }
 
-} // namespace lumora::platform::linux_backend
+} // namespace lumora::platform::posix_backend

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace lumora::platform::linux_backend {
+namespace lumora::platform::posix_backend {
 
 /// What a process that is killed leaves half made. Whoever makes such an entry locks it until it is done; one of this
 /// user's that nobody locks has no living maker. Locks, unlike process numbers, are neither given out again nor
@@ -17,4 +17,4 @@ namespace lumora::platform::linux_backend {
 /// next caller tries again.
 void removeAbandonedEntries(const std::string& folder, bool (*isOurs)(std::string_view name));
 
-} // namespace lumora::platform::linux_backend
+} // namespace lumora::platform::posix_backend

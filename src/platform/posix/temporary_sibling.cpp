@@ -1,7 +1,7 @@
-#include "platform/linux/ports/temporary_sibling.h"
+#include "platform/posix/temporary_sibling.h"
 
-#include "platform/linux/ports/abandoned_entries.h"
-#include "platform/linux/ports/file_tree.h"
+#include "platform/posix/abandoned_entries.h"
+#include "platform/posix/tree_removal.h"
 
 #include <fmt/format.h>
 
@@ -16,11 +16,9 @@
 #include <random>
 #include <string_view>
 
-namespace lumora::platform::linux_backend {
+namespace lumora::platform::posix_backend {
 
 namespace {
-
-using posix_backend::UniqueFd;
 
 constexpr std::string_view kPrefix = ".lumora-";
 constexpr int kAttempts = 100; // each fails only when another process sweeps the folder at that very moment
@@ -57,9 +55,14 @@ std::string folderOf(const std::string& path) {
 }
 
 int renameIfFree(const std::string& from, const std::string& to) {
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+#ifdef __APPLE__
+    const int failed = ::renamex_np(from.c_str(), to.c_str(), RENAME_EXCL);
+#else
+    const int failed = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+#endif
+    if (failed == 0)
         return 0;
-    if (errno != EINVAL && errno != ENOSYS)
+    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)
         return errno;
     // A file system without that operation: look, then rename.
     struct stat status {};
@@ -154,4 +157,4 @@ void TemporarySibling::giveBack() {
         stands_ = false;
 }
 
-} // namespace lumora::platform::linux_backend
+} // namespace lumora::platform::posix_backend

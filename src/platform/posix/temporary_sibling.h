@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace lumora::platform::linux_backend {
+namespace lumora::platform::posix_backend {
 
 /// A hidden entry beside a destination: something new that is made aside and then renamed into place, or something old
 /// that is renamed aside and then removed. Either way nothing half is ever seen at the destination.
@@ -48,8 +48,8 @@ class TemporarySibling {
     std::string folder_;
     std::string destination_;
     std::string path_;
-    posix_backend::UniqueFd held_;
+    UniqueFd held_;
     bool stands_ = false;
 };
 
-} // namespace lumora::platform::linux_backend
+} // namespace lumora::platform::posix_backend

@@ -1,4 +1,5 @@
-#include "platform/linux/ports/file_tree.h"
+#include "platform/posix/tree_removal.h"
+
 #include "platform/posix/posix_error.h"
 #include "platform/posix/unique_fd.h"
 
@@ -8,43 +9,20 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <vector>
 
-namespace lumora::platform::linux_backend {
+namespace lumora::platform::posix_backend {
 
 namespace {
-
-using posix_backend::posixError;
-using posix_backend::UniqueFd;
-
-constexpr int kOpenFolder = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
-/// The names in an open folder; consumes the descriptor's position, not the descriptor.
-std::vector<std::string> namesIn(int folder) {
-    std::vector<std::string> names;
-    const int own = ::openat(folder, ".", kOpenFolder);
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(own >= 0 ? ::fdopendir(own) : nullptr, &::closedir);
-    if (!entries)
-        return names;
-    while (const dirent* entry = ::readdir(entries.get())) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..")
-            names.emplace_back(name);
-    }
-    return names;
-}
 
 UniqueFd openFolder(int parent, const std::string& name) {
     UniqueFd folder(::openat(parent, name.c_str(), kOpenFolder));
     if (folder || errno != EACCES)
         return folder;
-    // Its own mode keeps even its owner out. The path-only descriptor makes sure that no link is followed.
-    const UniqueFd handle(::openat(parent, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!handle || ::chmod(("/proc/self/fd/" + std::to_string(handle.get())).c_str(), S_IRWXU) != 0)
+    // Its own mode keeps even its owner out.
+    if (::fchmodat(parent, name.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) != 0)
         return folder;
     return UniqueFd(::openat(parent, name.c_str(), kOpenFolder));
 }
@@ -71,43 +49,6 @@ int removeEntry(int parent, const std::string& name) {
     return ::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0 ? 0 : errno;
 }
 
-/// Mounted upon, or protected by the administrator.
-bool isHeldInPlace(const struct statx& status) {
-    constexpr std::uint64_t kHolding = STATX_ATTR_MOUNT_ROOT | STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND;
-    return (status.stx_attributes & kHolding) != 0;
-}
-
-/// @param keeper  nobody, or whose entries alone may be removed from the folder around
-int obstacleAt(int parent, const std::string& name, std::optional<uid_t> keeper) {
-    struct statx status {};
-    if (::statx(parent, name.c_str(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_BASIC_STATS, &status) != 0)
-        return errno;
-    if (isHeldInPlace(status))
-        return (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0 ? EBUSY : EPERM;
-    if (keeper && status.stx_uid != *keeper)
-        return EPERM;
-    if (!S_ISDIR(status.stx_mode))
-        return 0;
-
-    // The user's own folders can be opened up, whatever their modes say.
-    const uid_t user = ::geteuid();
-    const bool isOwn = user == 0 || status.stx_uid == user;
-    const UniqueFd folder(::openat(parent, name.c_str(), kOpenFolder));
-    if (!folder)
-        return isOwn ? 0 : errno;
-    const std::vector<std::string> names = namesIn(folder.get());
-    if (!names.empty() && !isOwn && ::faccessat(folder.get(), ".", W_OK | X_OK, AT_EACCESS) != 0)
-        return errno;
-    const bool isSticky = (status.stx_mode & S_ISVTX) != 0 && !isOwn;
-    for (const std::string& inner : names) {
-        if (const int obstacle =
-                obstacleAt(folder.get(), inner, isSticky ? std::optional(user) : std::nullopt);
-            obstacle != 0)
-            return obstacle;
-    }
-    return 0;
-}
-
 std::string withoutSlashesAtItsEnd(std::string path) {
     while (path.size() > 1 && path.ends_with('/'))
         path.pop_back();
@@ -116,8 +57,18 @@ std::string withoutSlashesAtItsEnd(std::string path) {
 
 } // namespace
 
-int findRemovalObstacle(const std::string& path) {
-    return obstacleAt(AT_FDCWD, withoutSlashesAtItsEnd(path), std::nullopt);
+std::vector<std::string> namesIn(int folder) {
+    std::vector<std::string> names;
+    const int own = ::openat(folder, ".", kOpenFolder);
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(own >= 0 ? ::fdopendir(own) : nullptr, &::closedir);
+    if (!entries)
+        return names;
+    while (const dirent* entry = ::readdir(entries.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            names.emplace_back(name);
+    }
+    return names;
 }
 
 Result<void> removeTree(const std::string& path) {
@@ -125,4 +76,4 @@ Result<void> removeTree(const std::string& path) {
     return error == 0 ? Result<void>() : posixError(error, path);
 }
 
-} // namespace lumora::platform::linux_backend
+} // namespace lumora::platform::posix_backend

@@ -2,7 +2,7 @@
 
 #include "platform/linux/ports/linux_file_manager.h"
 #include "platform/linux/ports/temporary_file.h"
-#include "platform/linux/ports/temporary_sibling.h"
+#include "platform/posix/temporary_sibling.h"
 #include "support/in_child.h"
 #include "support/temporary_folder.h"
 
@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 using platform::linux_backend::HomeFolder;
 using platform::linux_backend::LinuxFileManager;
 using platform::linux_backend::TemporaryFile;
-using platform::linux_backend::TemporarySibling;
+using platform::posix_backend::TemporarySibling;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

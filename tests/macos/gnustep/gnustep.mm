@@ -27,46 +27,6 @@ NSString* const NSFileProtectionComplete = @"NSFileProtectionComplete";
 }
 @end
 
-@implementation NSData (Lumora)
-+ (id)dataWithContentsOfFile:(NSString*)path options:(NSUInteger)options error:(NSError**)error {
-    NSData* data = [self dataWithContentsOfFile:path];
-    if (data == nil)
-        *error = [NSError errorWithDomain:NSCocoaErrorDomain code:260 userInfo:nil];
-    return data;
-}
-@end
-
-@implementation NSFileHandle (Lumora)
-- (BOOL)writeData:(NSData*)data error:(NSError**)error {
-    [self writeData:data];
-    return YES;
-}
-- (BOOL)truncateAtOffset:(unsigned long long)offset error:(NSError**)error {
-    [self truncateFileAtOffset:offset];
-    return YES;
-}
-@end
-
-// Preference levels by name: of this user's there are the defaults, of all users' there is none.
-const CFStringRef kCFPreferencesAnyUser = (CFStringRef) @"anyUser";
-const CFStringRef kCFPreferencesCurrentUser = (CFStringRef) @"currentUser";
-const CFStringRef kCFPreferencesAnyHost = (CFStringRef) @"anyHost";
-
-void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef domain, CFStringRef user,
-                           CFStringRef) {
-    if (user != kCFPreferencesCurrentUser)
-        return;
-    NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
-    NSDictionary* stored = [defaults persistentDomainForName:(NSString*)domain];
-    NSMutableDictionary* changed = [NSMutableDictionary dictionaryWithDictionary:stored];
-    [changed setObject:(id)value forKey:(NSString*)key];
-    [defaults setPersistentDomain:changed forName:(NSString*)domain];
-}
-
-Boolean CFPreferencesSynchronize(CFStringRef, CFStringRef user, CFStringRef) {
-    return user == kCFPreferencesCurrentUser && [[NSUserDefaults standardUserDefaults] synchronize];
-}
-
 /// The sources leave the reference counts to the compiler, which for this runtime keeps none: nothing is ever
 /// freed.
 void neverRelease() { [NSAutoreleasePool enableRelease:NO]; }

@@ -1,5 +1,7 @@
 #include "platform/linux/ports/file_contents.h"
 
+#include "platform/posix/posix_files.h"
+
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -11,6 +13,8 @@
 namespace lumora::platform::linux_backend {
 
 namespace {
+
+using posix_backend::writeAll;
 
 constexpr std::size_t kKernelChunk = 1U << 30U;
 constexpr std::size_t kMemoryChunk = 256U << 10U;
@@ -37,17 +41,6 @@ int copyThroughMemory(int from, int to) {
 }
 
 } // namespace
-
-int writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count >= 0)
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            return errno;
-    }
-    return 0;
-}
 
 int copyContents(int from, int to) {
     if (::ioctl(to, FICLONE, from) == 0)

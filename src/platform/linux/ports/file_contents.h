@@ -1,11 +1,6 @@
 #pragma once
 
-#include <string_view>
-
 namespace lumora::platform::linux_backend {
-
-/// Writes all of it, going on after interruptions and short writes. The result is an errno, 0 for success.
-[[nodiscard]] int writeAll(int descriptor, std::string_view bytes);
 
 /// Copies the bytes of one open file to another, empty one: by sharing them where the file system can, else inside the
 /// kernel, else through memory. The result is an errno, 0 for success.

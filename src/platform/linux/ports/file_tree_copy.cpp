@@ -1,8 +1,8 @@
 #include "platform/linux/ports/file_attributes.h"
 #include "platform/linux/ports/file_contents.h"
 #include "platform/linux/ports/file_tree.h"
-#include "platform/linux/ports/temporary_sibling.h"
 #include "platform/posix/posix_error.h"
+#include "platform/posix/temporary_sibling.h"
 #include "platform/posix/unique_fd.h"
 
 #include <dirent.h>
@@ -20,6 +20,7 @@ namespace lumora::platform::linux_backend {
 namespace {
 
 using posix_backend::posixError;
+using posix_backend::TemporarySibling;
 using posix_backend::UniqueFd;
 
 /// A place in an open folder; `path` is for messages only.

@@ -1,18 +1,14 @@
 #include "platform/linux/ports/linux_file_manager.h"
 
-#include "platform/linux/ports/file_contents.h"
 #include "platform/linux/ports/file_tree.h"
-#include "platform/linux/ports/temporary_sibling.h"
 #include "platform/linux/ports/volumes.h"
-#include "platform/posix/folder_hold.h"
 #include "platform/posix/posix_error.h"
-#include "platform/posix/unique_fd.h"
+#include "platform/posix/temporary_sibling.h"
+#include "platform/posix/tree_removal.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -23,9 +19,9 @@ namespace lumora::platform::linux_backend {
 namespace {
 
 using posix_backend::posixError;
-using posix_backend::UniqueFd;
+using posix_backend::removeTree;
+using posix_backend::TemporarySibling;
 
-constexpr mode_t kDefaultFileMode = 0666; // the umask takes its part
 constexpr mode_t kDefaultFolderMode = 0777;
 
 bool isFolder(const std::string& path) {
@@ -71,17 +67,6 @@ Result<void> removeFolder(const std::string& path) {
     return removed;
 }
 
-/// Opens an existing regular file, never waiting for the other end of a pipe.
-Result<UniqueFd> openRegularFile(const std::string& path, int flags) {
-    UniqueFd file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    struct stat status {};
-    if (!file || ::fstat(file.get(), &status) != 0)
-        return posixError(errno, path);
-    if (!S_ISREG(status.st_mode))
-        return posixError(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
-    return file;
-}
-
 } // namespace
 
 LinuxFileManager::LinuxFileManager(HomeFolder home) : home_(std::move(home)) {}
@@ -91,9 +76,8 @@ std::string LinuxFileManager::homeDirectory() { return home_.path(); }
 std::string LinuxFileManager::libraryDirectory() { return home_.path() + "/Library"; }
 
 Result<std::string> LinuxFileManager::resolved(const std::string& path) const {
-    if (path.find('\0') != std::string::npos)
-        return posixError(EINVAL, "a path that holds a NUL"); // the kernel would see a shorter one
-    return home_.resolve(path);
+    const auto place = PosixFiles::resolved(path);
+    return place ? home_.resolve(place.value()) : place;
 }
 
 bool LinuxFileManager::fileExists(const std::string& path) {
@@ -156,84 +140,6 @@ Result<void> LinuxFileManager::removeItem(const std::string& path) {
     struct stat status {};
     const bool isRealFolder = ::lstat(entry.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
     return isRealFolder ? removeFolder(entry) : removeTree(entry);
-}
-
-Result<void> LinuxFileManager::createFile(const std::string& path, std::string_view contents,
-                                          const FileAttributes& attributes) {
-    const auto place = resolved(path);
-    if (!place)
-        return place.error();
-    const auto mode = static_cast<mode_t>(attributes.posixPermissions.value_or(kDefaultFileMode));
-    TemporarySibling aside(place.value());
-    const int file = aside.createFile(mode);
-    if (file < 0)
-        return posixError(errno, path);
-    int error = 0;
-    if (attributes.posixPermissions && ::fchmod(file, mode) != 0) // the umask does not count
-        error = errno;
-    if (error == 0)
-        error = writeAll(file, contents);
-    if (error == 0)
-        error = aside.place();
-    return error == 0 ? Result<void>() : posixError(error, path);
-}
-
-Result<std::string> LinuxFileManager::readFile(const std::string& path) {
-    const auto place = resolved(path);
-    if (!place)
-        return place.error();
-    const auto file = openRegularFile(place.value(), O_RDONLY);
-    if (!file)
-        return file.error();
-    std::string contents;
-    std::array<char, 65536> chunk{};
-    for (;;) {
-        const ssize_t count = ::read(file.value().get(), chunk.data(), chunk.size());
-        if (count > 0)
-            contents.append(chunk.data(), static_cast<std::size_t>(count));
-        else if (count == 0)
-            return contents;
-        else if (errno != EINTR)
-            return posixError(errno, path);
-    }
-}
-
-Result<void> LinuxFileManager::overwriteFile(const std::string& path, std::string_view contents) {
-    const auto place = resolved(path);
-    if (!place)
-        return place.error();
-    const auto file = openRegularFile(place.value(), O_WRONLY);
-    if (!file)
-        return file.error();
-    if (::ftruncate(file.value().get(), 0) != 0)
-        return posixError(errno, path);
-    const int error = writeAll(file.value().get(), contents);
-    return error == 0 ? Result<void>() : posixError(error, path);
-}
-
-Result<std::uint64_t> LinuxFileManager::fileSize(const std::string& path) {
-    const auto place = resolved(path);
-    if (!place)
-        return place.error();
-    struct stat status {};
-    if (::stat(place.value().c_str(), &status) != 0)
-        return posixError(errno, path);
-    return static_cast<std::uint64_t>(status.st_size);
-}
-
-Result<void> LinuxFileManager::truncateFile(const std::string& path) {
-    const auto place = resolved(path);
-    if (!place)
-        return place.error();
-    const auto file = openRegularFile(place.value(), O_WRONLY);
-    if (!file)
-        return file.error();
-    return ::ftruncate(file.value().get(), 0) == 0 ? Result<void>() : posixError(errno, path);
-}
-
-std::shared_ptr<void> LinuxFileManager::holdFolder(const std::string& path) {
-    const auto place = resolved(path);
-    return place ? posix_backend::holdFolder(place.value()) : nullptr;
 }
 
 } // namespace lumora::platform::linux_backend

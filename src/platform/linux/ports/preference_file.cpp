@@ -1,8 +1,8 @@
 #include "platform/linux/ports/preference_file.h"
 
-#include "platform/linux/ports/file_contents.h"
 #include "platform/linux/ports/file_lock.h"
-#include "platform/linux/ports/temporary_sibling.h"
+#include "platform/posix/posix_files.h"
+#include "platform/posix/temporary_sibling.h"
 #include "platform/posix/unique_fd.h"
 
 #include <fmt/format.h>
@@ -22,7 +22,9 @@ namespace lumora::platform::linux_backend {
 
 namespace {
 
+using posix_backend::TemporarySibling;
 using posix_backend::UniqueFd;
+using posix_backend::writeAll;
 
 constexpr off_t kMaximumSize = 4 << 20; // real preference files have some kilobytes
 constexpr int kMaximumDamagedFiles = 100;

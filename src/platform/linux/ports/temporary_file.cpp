@@ -1,7 +1,7 @@
 #include "platform/linux/ports/temporary_file.h"
 
-#include "platform/linux/ports/abandoned_entries.h"
-#include "platform/linux/ports/file_contents.h"
+#include "platform/posix/abandoned_entries.h"
+#include "platform/posix/posix_files.h"
 
 #include <fmt/format.h>
 
@@ -16,6 +16,10 @@
 namespace lumora::platform::linux_backend {
 
 namespace {
+
+using posix_backend::holdNewEntry;
+using posix_backend::removeAbandonedEntries;
+using posix_backend::writeAll;
 
 constexpr std::string_view kPrefix = "lumora-download-";
 constexpr std::string_view kPattern = "XXXXXX";

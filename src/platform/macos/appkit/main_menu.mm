@@ -51,7 +51,7 @@ std::unique_ptr<Menu> installMainMenu() {
     NSMenu* bar = [[NSMenu alloc] initWithTitle:@""];
     for (const auto& heading : menus->headings) {
         NSMenu* menu = [[NSMenu alloc] initWithTitle:nsString(heading->title())];
-        [bar addItemWithTitle:menu.title action:nil keyEquivalent:@""].submenu = menu;
+        [bar addItemWithTitle:menu.title action:nullptr keyEquivalent:@""].submenu = menu;
         for (const auto& entry : heading->entries)
             [menu addItem:entry->isSeparator() ? [NSMenuItem separatorItem] : itemFor(entry)];
         if (heading->title() == "Window")

@@ -1,12 +1,11 @@
 #pragma once
 
-#include "platform/file_manager.h"
-#include "platform/posix/folder_hold.h"
+#include "platform/posix/posix_files.h"
 
 namespace lumora::platform::macos_backend {
 
-/// `NSFileManager`, and `NSFileHandle` for files that stay the same file.
-class FoundationFileManager final : public FileManager {
+/// `NSFileManager`; what it leaves open in the course of a file's making is POSIX.
+class FoundationFileManager final : public posix_backend::PosixFiles {
   public:
     std::string homeDirectory() override;
     std::string libraryDirectory() override;
@@ -14,15 +13,9 @@ class FoundationFileManager final : public FileManager {
     Result<void> createDirectoryWithIntermediates(const std::string& path) override;
     Result<void> copyItem(const std::string& source, const std::string& destination) override;
     Result<void> removeItem(const std::string& path) override;
-    Result<void> createFile(const std::string& path, std::string_view contents,
-                            const FileAttributes& attributes) override;
-    Result<std::string> readFile(const std::string& path) override;
-    Result<void> overwriteFile(const std::string& path, std::string_view contents) override;
-    Result<std::uint64_t> fileSize(const std::string& path) override;
-    Result<void> truncateFile(const std::string& path) override;
-    std::shared_ptr<void> holdFolder(const std::string& path) override {
-        return posix_backend::holdFolder(path);
-    }
+
+  private:
+    void protectCompletely(const std::string& file) override;
 };
 
 } // namespace lumora::platform::macos_backend

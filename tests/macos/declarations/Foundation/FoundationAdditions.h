@@ -31,24 +31,6 @@ extern NSString* const NSFileProtectionComplete API_AVAILABLE(macos(11.0), ios(4
                 error:(NSError**)error API_AVAILABLE(macos(10.5), ios(2.0), watchos(2.0), tvos(9.0));
 @end
 
-typedef NS_OPTIONS(NSUInteger, NSDataReadingOptions) {
-    NSDataReadingMappedIfSafe = 1UL << 0,
-};
-
-@interface NSData (Lumora)
-+ (nullable instancetype)dataWithContentsOfFile:(NSString*)path
-                                        options:(NSDataReadingOptions)readOptionsMask
-                                          error:(NSError**)errorPtr;
-@end
-
-@interface NSFileHandle (Lumora)
-- (BOOL)writeData:(NSData*)data
-            error:(out NSError**)error API_AVAILABLE(macos(10.15), ios(13.0), watchos(6.0), tvos(13.0));
-- (BOOL)truncateAtOffset:(unsigned long long)offset
-                   error:(out NSError**)error
-    API_AVAILABLE(macos(10.15), ios(13.0), watchos(6.0), tvos(13.0));
-@end
-
 @interface NSTask (Lumora)
 @property(nullable, copy) NSURL* executableURL API_AVAILABLE(macos(10.13))API_UNAVAILABLE(ios, watchos, tvos);
 - (BOOL)launchAndReturnError:(out NSError** _Nullable)error

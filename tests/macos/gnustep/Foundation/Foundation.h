@@ -21,12 +21,3 @@ extern NSString* const NSFileProtectionComplete;
 @property(nonatomic, copy) NSURL* executableURL;
 - (BOOL)launchAndReturnError:(NSError**)error;
 @end
-
-@interface NSData (Lumora)
-+ (id)dataWithContentsOfFile:(NSString*)path options:(NSUInteger)options error:(NSError**)error;
-@end
-
-@interface NSFileHandle (Lumora)
-- (BOOL)writeData:(NSData*)data error:(NSError**)error;
-- (BOOL)truncateAtOffset:(unsigned long long)offset error:(NSError**)error;
-@end
