@@ -4,18 +4,33 @@
 
 namespace lumora {
 
-void LoadJournal::hostLoads(Navigation navigation, std::string address) {
+namespace {
+
+// The engine's headers name neither.
+bool isInterruptedByPolicy(const platform::Error& failure) {
+    constexpr int kFrameLoadInterruptedByPolicyChange = 102;
+    return failure.domain == "WebKitErrorDomain" && failure.code == kFrameLoadInterruptedByPolicyChange;
+}
+
+} // namespace
+
+void LoadJournal::hostLoads(Navigation navigation, std::string address, std::string written) {
     if (hosts_ != underWay_)
         replace(hosts_); // the engine never comes to begin it
     replaced_.erase(navigation);
     hosts_ = navigation;
     awaited_ = std::move(address);
+    written_ = std::move(written);
 }
 
 void LoadJournal::hostWithdraws() {
     replace(hosts_);
     replace(underWay_);
     forgetHosts();
+}
+
+std::string LoadJournal::asWritten(const std::string& address) const {
+    return hosts_ != nullptr && address == awaited_ ? written_ : address;
 }
 
 void LoadJournal::policyDecided(const std::string& address, bool allowed) {
@@ -40,13 +55,17 @@ void LoadJournal::committed(Navigation navigation, std::string address) {
         forgetHosts();
 }
 
-bool LoadJournal::failed(Navigation navigation, Failure failure) {
+std::optional<platform::Error> LoadJournal::failed(Navigation navigation, platform::Error failure) {
+    if (!failure.failingUrl && !awaited_.empty())
+        failure.failingUrl = awaited_;
     if (navigation == hosts_)
         forgetHosts();
     if (navigation == underWay_)
         underWay_ = nullptr;
     const bool isReplaced = replaced_.erase(navigation) != 0;
-    return !isReplaced && !(failure == Failure::interruptedByPolicy && policyCancelled_);
+    if (isReplaced || (policyCancelled_ && isInterruptedByPolicy(failure)))
+        return std::nullopt;
+    return failure;
 }
 
 std::string LoadJournal::processEnded() {
@@ -64,6 +83,7 @@ void LoadJournal::replace(Navigation navigation) {
 void LoadJournal::forgetHosts() {
     hosts_ = nullptr;
     awaited_.clear();
+    written_.clear();
 }
 
 } // namespace lumora

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/result.h"
+
+#include <optional>
 #include <set>
 #include <string>
 
@@ -11,13 +14,17 @@ namespace lumora {
 class LoadJournal {
   public:
     using Navigation = const void*; ///< the engine's name for one; may come again when that one is over
-    enum class Failure { interruptedByPolicy, other };
 
     /// The host has asked for a load; the engine asks the navigation policy about it next.
-    void hostLoads(Navigation navigation, std::string address);
+    /// @param written  the address as the host wrote it
+    void hostLoads(Navigation navigation, std::string address, std::string written);
 
     /// The host gives up what is under way.
     void hostWithdraws();
+
+    /// The address to judge for the main frame. The engine lower-cases a server's name, which the policy would not know
+    /// again: the host's own load is judged as it was written.
+    [[nodiscard]] std::string asWritten(const std::string& address) const;
 
     /// What the navigation policy answered for the main frame.
     void policyDecided(const std::string& address, bool allowed);
@@ -25,8 +32,8 @@ class LoadJournal {
     void started(Navigation navigation);
     void committed(Navigation navigation, std::string address);
 
-    /// Whether this is the page's own failure.
-    [[nodiscard]] bool failed(Navigation navigation, Failure failure);
+    /// The failure as the host is to be told, with its address; absent when it is not the page's own.
+    [[nodiscard]] std::optional<platform::Error> failed(Navigation navigation, platform::Error failure);
 
     /// The page's process has gone, and with it everything that was under way; the address that it showed or was to show.
     [[nodiscard]] std::string processEnded();
@@ -47,6 +54,7 @@ class LoadJournal {
     Navigation hosts_ = nullptr;    ///< the host's newest, until it is shown, refused or fails
     Navigation underWay_ = nullptr; ///< the newest that began, of anyone
     std::string awaited_;
+    std::string written_; ///< the awaited one as the host wrote it
     std::string standing_;
     std::set<Navigation> replaced_;
     bool policyCancelled_ = false; ///< its failure, if one arrives, is not the page's

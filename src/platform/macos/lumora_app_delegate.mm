@@ -3,6 +3,7 @@
 #include "config/log_handler.h"
 #include "platform/macos/foundation/text.h"
 #include "platform/macos/macos_backend.h"
+#include "platform/ports_of.h"
 #include "shell/app_delegate.h"
 #include "webhost/view_controller.h"
 
@@ -29,7 +30,7 @@ static void leaveAtOnce() {
 - (instancetype)init {
     if ((self = [super init])) {
         _backend = new macos_backend::MacosBackend;
-        platform::ports() = _backend->ports();
+        platform::ports() = platform::portsOf(*_backend);
         _delegate = new AppDelegate;
         _viewController = new ViewController;
     }
@@ -44,7 +45,7 @@ static void leaveAtOnce() {
 - (void)applicationWillFinishLaunching:(NSNotification*)notification {
     _delegate->applicationWillFinishLaunching();
     ViewController* viewController = _viewController;
-    _backend->webViewHost().openWindow([viewController] { viewController->viewDidLoad(); });
+    _backend->webViewHost.openWindow([viewController] { viewController->viewDidLoad(); });
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {

@@ -7,7 +7,11 @@
 namespace lumora {
 namespace {
 
-using Failure = LoadJournal::Failure;
+/// Failures as the engine words them.
+namespace Failure {
+const platform::Error other{"NSURLErrorDomain", -1004, "refused", {}};
+const platform::Error interruptedByPolicy{"WebKitErrorDomain", 102, "interrupted", {}};
+} // namespace Failure
 
 class LoadJournals : public ::testing::Test {
   protected:
@@ -17,7 +21,7 @@ class LoadJournals : public ::testing::Test {
     LoadJournal journal;
 
     void hostLoadsAndBegins(LoadJournal::Navigation navigation, const std::string& address) {
-        journal.hostLoads(navigation, address);
+        journal.hostLoads(navigation, address, address);
         journal.policyDecided(address, true);
         journal.started(navigation);
     }
@@ -52,8 +56,8 @@ TEST_F(LoadJournals, aLoadThatAnotherOfTheHostReplacesIsNoFailure) {
 }
 
 TEST_F(LoadJournals, aLoadThatTheHostReplacedBeforeItBeganIsNoFailureWhenItBeginsLate) {
-    journal.hostLoads(first, "https://one/");
-    journal.hostLoads(second, "file:///page");
+    journal.hostLoads(first, "https://one/", "https://one/");
+    journal.hostLoads(second, "file:///page", "file:///page");
     journal.started(first);
     EXPECT_FALSE(journal.failed(first, Failure::other));
 }
@@ -73,7 +77,7 @@ TEST_F(LoadJournals, aPageThatStillLoadsWhenTheHostReplacesItHasNotFailed) {
 
 TEST_F(LoadJournals, aLoadThatThePolicyRefusesReplacesNothing) {
     stands(first, "https://one/");
-    journal.hostLoads(second, "https://foreign/");
+    journal.hostLoads(second, "https://foreign/", "https://foreign/");
     journal.policyDecided("https://foreign/", false);
     EXPECT_EQ(journal.awaited(), "");
     EXPECT_TRUE(journal.failed(first, Failure::other));
@@ -114,7 +118,7 @@ TEST_F(LoadJournals, whatTheHostGivesUpHasNotFailed) {
 
 TEST_F(LoadJournals, whatTheHostGivesUpBeforeItBeganHasNotFailedEither) {
     stands(first, "file:///page");
-    journal.hostLoads(second, "https://one/");
+    journal.hostLoads(second, "https://one/", "https://one/");
     journal.hostWithdraws();
     journal.started(second);
     EXPECT_FALSE(journal.failed(second, Failure::other));
@@ -187,6 +191,39 @@ TEST_F(LoadJournals, aDeadProcessLosesTheAwaitedPageOrTheOneThatStood) {
     EXPECT_FALSE(journal.failed(second, Failure::other)) << "one report is enough";
     stands(third, "file:///page");
     EXPECT_EQ(journal.processEnded(), "file:///page");
+}
+
+TEST_F(LoadJournals, aFailureIsToldWithTheAddressThatWasAwaited) {
+    hostLoadsAndBegins(first, "https://one/");
+    EXPECT_EQ("https://one/", journal.failed(first, Failure::other)->failingUrl);
+
+    hostLoadsAndBegins(second, "https://two/");
+    platform::Error ofAnother = Failure::other;
+    ofAnother.failingUrl = "https://redirected/";
+    EXPECT_EQ("https://redirected/", journal.failed(second, ofAnother)->failingUrl);
+
+    EXPECT_EQ(std::nullopt, journal.failed(third, Failure::other)->failingUrl);
+}
+
+TEST_F(LoadJournals, onlyThePolicysOwnCodeIsItsCancellation) {
+    stands(first, "https://one/");
+    journal.policyDecided("https://elsewhere/", false);
+    platform::Error alike = Failure::interruptedByPolicy;
+    alike.domain = "NSURLErrorDomain";
+    EXPECT_TRUE(journal.failed(second, alike));
+    EXPECT_FALSE(journal.failed(second, Failure::interruptedByPolicy));
+}
+
+TEST_F(LoadJournals, theHostsOwnLoadIsJudgedAsItWasWritten) {
+    journal.hostLoads(first, "https://host.example/", "https://Host.Example/");
+    EXPECT_EQ("https://Host.Example/", journal.asWritten("https://host.example/"));
+    EXPECT_EQ("https://other.example/", journal.asWritten("https://other.example/"));
+    EXPECT_EQ("", journal.asWritten(""));
+
+    journal.policyDecided("https://host.example/", true);
+    journal.started(first);
+    journal.committed(first, "https://host.example/");
+    EXPECT_EQ("https://host.example/", journal.asWritten("https://host.example/"));
 }
 
 } // namespace

@@ -15,7 +15,6 @@
 #include "platform/linux/ports/linux_system_versions.h"
 #include "platform/linux/ports/linux_task_runner.h"
 #include "platform/linux/ports/linux_workspace.h"
-#include "platform/ports.h"
 #include "platform/posix/posix_process_info.h"
 #include "platform/posix/posix_standard_streams.h"
 
@@ -25,41 +24,34 @@
 namespace lumora::platform::linux_backend {
 
 /// Every port of the Linux backend, made once for the process's life.
-class LinuxBackend {
-  public:
+struct LinuxBackend {
     /// @param launchArguments   without the program's name
     /// @param childEnvironment  what every child process gets
     LinuxBackend(const std::vector<std::string>& launchArguments, Environment childEnvironment);
 
-    /// The ports as the core asks for them.
-    [[nodiscard]] Ports ports();
-
-    [[nodiscard]] DesktopApplication& application() { return application_; }
-    [[nodiscard]] WebKitHost& webViewHost() { return webViewHost_; }
     [[nodiscard]] std::string resourceFolder();
 
     /// Shows the folder of the log files in the desktop's file manager.
     void openLogFolder();
 
-  private:
-    posix_backend::PosixStandardStreams standardStreams_;
-    posix_backend::PosixProcessInfo processInfo_;
-    HomeFolder home_;
-    LinuxPropertyLists propertyLists_;
-    LinuxBundles bundles_;
-    LinuxFileManager fileManager_;
-    LinuxPreferences preferences_;
-    LinuxSystemVersions systemVersions_;
-    LinuxDistributedNotifications distributedNotifications_;
-    LinuxWorkspace workspace_;
-    LinuxTaskRunner tasks_;
-    GlibMainLoop mainLoop_;
-    LinuxAppleScripts appleScripts_;
-    GioPathMonitors pathMonitors_;
-    LinuxHttpSessions httpSessions_;
-    DesktopApplication application_;
-    WebKitHost webViewHost_;
-    GtkAlerts alerts_;
+    posix_backend::PosixStandardStreams standardStreams;
+    posix_backend::PosixProcessInfo processInfo;
+    HomeFolder home;
+    LinuxPropertyLists propertyLists;
+    LinuxBundles bundles;
+    LinuxFileManager fileManager;
+    LinuxPreferences preferences;
+    LinuxSystemVersions systemVersions;
+    LinuxDistributedNotifications distributedNotifications;
+    LinuxWorkspace workspace;
+    LinuxTaskRunner tasks;
+    GlibMainLoop mainLoop;
+    LinuxAppleScripts appleScripts;
+    GioPathMonitors pathMonitors;
+    LinuxHttpSessions httpSessions;
+    DesktopApplication application;
+    WebKitHost webViewHost;
+    GtkAlerts alerts;
 };
 
 } // namespace lumora::platform::linux_backend

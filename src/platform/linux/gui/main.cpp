@@ -2,6 +2,7 @@
 #include "platform/linux/gui/main_menu.h"
 #include "platform/linux/gui/rendering.h"
 #include "platform/linux/gui/tls_versions.h"
+#include "platform/ports_of.h"
 #include "shell/app_delegate.h"
 #include "webhost/view_controller.h"
 
@@ -21,18 +22,17 @@ struct RunningApplication {
     ViewController viewController;
 
     explicit RunningApplication(LinuxBackend& backend) {
-        auto& application = backend.application();
+        auto& application = backend.application;
         application.setMainMenu(
             installMenuBar(application.handle(), {[&application] { application.terminate(); },
                                                   [&backend] { backend.openLogFolder(); }}));
         delegate.awakeFromNib();
         delegate.applicationWillFinishLaunching();
         viewController.viewDidLoad();
-        backend.webViewHost().openWindow(application.handle(), backend.resourceFolder(),
-                                         [this, &application] {
-                                             if (delegate.applicationShouldTerminateAfterLastWindowClosed())
-                                                 application.terminate();
-                                         });
+        backend.webViewHost.openWindow(application.handle(), backend.resourceFolder(), [this, &application] {
+            if (delegate.applicationShouldTerminateAfterLastWindowClosed())
+                application.terminate();
+        });
         delegate.applicationDidFinishLaunching();
     }
 };
@@ -47,9 +47,9 @@ int main(int argc, char** argv) {
     // Never destroyed: work on other threads may still use them when the process ends.
     auto& backend = *new LinuxBackend({argv + 1, argv + argc}, std::move(childEnvironment));
     RunningApplication* running = nullptr;
-    platform::ports() = backend.ports();
+    platform::ports() = platform::portsOf(backend);
 
-    const int status = backend.application().run(argv[0], [&] { running = new RunningApplication(backend); });
+    const int status = backend.application.run(argv[0], [&] { running = new RunningApplication(backend); });
     if (running != nullptr)
         running->delegate.applicationWillTerminate();
     std::fflush(nullptr);

@@ -11,7 +11,6 @@
   @public
     lumora::platform::WebViewDelegate* host;
     lumora::LoadJournal journal;
-    std::string hostsAddress;    ///< of the host's newest load, as it wrote it; empty: of a local page
     NSURLRequest* windowRequest; ///< while a page's request for a window is being answered
 }
 @end

@@ -11,10 +11,6 @@ using macos_backend::textOf;
 
 namespace {
 
-// The engine's headers name neither.
-NSString* const kWebKitErrorDomain = @"WebKitErrorDomain";
-constexpr NSInteger kFrameLoadInterruptedByPolicyChange = 102;
-
 static_assert(WKNavigationTypeLinkActivated == static_cast<int>(NavigationType::linkActivated) &&
               WKNavigationTypeFormResubmitted == static_cast<int>(NavigationType::formResubmitted));
 
@@ -50,9 +46,8 @@ LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge cons
                     decisionHandler:(void (^)(WKNavigationActionPolicy))decisionHandler {
     NavigationAction asked = describe(action);
     const std::string address = asked.url.value_or("");
-    // Judged as the host wrote it: the engine lower-cases a host name, which the policy would not know again.
-    if (address == journal.awaited() && !hostsAddress.empty())
-        asked.url = hostsAddress;
+    if (asked.url)
+        asked.url = journal.asWritten(address);
     const bool allowed = host->decidePolicyFor(asked) == NavigationPolicy::allow;
     if (action.targetFrame.mainFrame)
         journal.policyDecided(address, allowed);
@@ -80,27 +75,13 @@ LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge cons
 - (void)webView:(WKWebView*)webView
     didFailProvisionalNavigation:(WKNavigation*)navigation
                        withError:(NSError*)error {
-    if (const auto failure = [self failureOf:navigation withError:error])
+    if (const auto failure = journal.failed(nameOf(navigation), errorOf(error)))
         host->didFailProvisionalNavigation(*failure);
 }
 
 - (void)webView:(WKWebView*)webView didFailNavigation:(WKNavigation*)navigation withError:(NSError*)error {
-    if (const auto failure = [self failureOf:navigation withError:error])
+    if (const auto failure = journal.failed(nameOf(navigation), errorOf(error)))
         host->didFailNavigation(*failure);
-}
-
-/// The failure to report; absent when it is not the page's.
-- (std::optional<Error>)failureOf:(WKNavigation*)navigation withError:(NSError*)error {
-    const std::string awaited = journal.awaited();
-    const bool interrupted = error.code == kFrameLoadInterruptedByPolicyChange &&
-                             [error.domain isEqualToString:kWebKitErrorDomain];
-    if (!journal.failed(nameOf(navigation), interrupted ? LoadJournal::Failure::interruptedByPolicy
-                                                        : LoadJournal::Failure::other))
-        return std::nullopt;
-    Error failure = errorOf(error);
-    if (!failure.failingUrl && !awaited.empty())
-        failure.failingUrl = awaited;
-    return failure;
 }
 
 - (void)webViewWebContentProcessDidTerminate:(WKWebView*)webView {

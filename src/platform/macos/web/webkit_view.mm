@@ -75,7 +75,7 @@ class WebKitView final : public WebView {
             begun([view_ loadFileURL:file
                       allowingReadAccessToURL:[NSURL fileURLWithPath:nsString(readAccessFolder)
                                                          isDirectory:YES]],
-                  "");
+                  textOf(file.absoluteString));
         });
     }
 
@@ -94,11 +94,10 @@ class WebKitView final : public WebView {
   private:
     WKUserContentController* messages() const { return view_.configuration.userContentController; }
 
-    void begun(WKNavigation* navigation, const std::string& address) {
-        engineDelegate_->hostsAddress = address;
+    void begun(WKNavigation* navigation, const std::string& written) {
         // From now on the view tells the address in the engine's own form.
-        engineDelegate_->journal.hostLoads((__bridge const void*)navigation,
-                                           textOf(view_.URL.absoluteString));
+        engineDelegate_->journal.hostLoads((__bridge const void*)navigation, textOf(view_.URL.absoluteString),
+                                           written);
     }
 
     WKWebView* view_;
