@@ -27,6 +27,26 @@ NSString* const NSFileProtectionComplete = @"NSFileProtectionComplete";
 }
 @end
 
+// Preference levels by name: of this user's there are the defaults, of all users' there is none.
+const CFStringRef kCFPreferencesAnyUser = (CFStringRef) @"anyUser";
+const CFStringRef kCFPreferencesCurrentUser = (CFStringRef) @"currentUser";
+const CFStringRef kCFPreferencesAnyHost = (CFStringRef) @"anyHost";
+
+void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef domain, CFStringRef user,
+                           CFStringRef) {
+    if (user != kCFPreferencesCurrentUser)
+        return;
+    NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
+    NSDictionary* stored = [defaults persistentDomainForName:(NSString*)domain];
+    NSMutableDictionary* changed = [NSMutableDictionary dictionaryWithDictionary:stored];
+    [changed setObject:(id)value forKey:(NSString*)key];
+    [defaults setPersistentDomain:changed forName:(NSString*)domain];
+}
+
+Boolean CFPreferencesSynchronize(CFStringRef, CFStringRef user, CFStringRef) {
+    return user == kCFPreferencesCurrentUser && [[NSUserDefaults standardUserDefaults] synchronize];
+}
+
 /// The sources leave the reference counts to the compiler, which for this runtime keeps none: nothing is ever
 /// freed.
 void neverRelease() { [NSAutoreleasePool enableRelease:NO]; }
