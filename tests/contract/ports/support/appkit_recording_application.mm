@@ -33,7 +33,9 @@ int main(int argc, char** argv) {
         ::alarm(60); // should nobody end it
         // Its arguments are no documents.
         [NSUserDefaults.standardUserDefaults registerDefaults:@{@"NSTreatUnknownArgumentsAsOpen" : @"NO"}];
-        LumoraRecordingDelegate* delegate = [[LumoraRecordingDelegate alloc] initWithRecorder:&recorder];
+        // Static, for the application does not hold it.
+        static LumoraRecordingDelegate* delegate = nil;
+        delegate = [[LumoraRecordingDelegate alloc] initWithRecorder:&recorder];
         NSApplication.sharedApplication.delegate = delegate;
         [NSApplication.sharedApplication run];
     }
