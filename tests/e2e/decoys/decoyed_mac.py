@@ -40,18 +40,20 @@ esac""",
     "security": '''
 case "$1" in
   add-trusted-cert)
-    [ ! -e "$MAC/trust-asks" ] || [ -e "$MAC/right" ] || { echo "The authorization was denied" >&2; exit 1; }
+    [ ! -e "$MAC/trust-asks" ] || [ -e "$MAC/right" ] || exec sleep 60
     [ ! -e "$MAC/trust-fails" ] || { echo "SecTrustSettingsSetTrustSettings: no" >&2; exit 1; }
     basename "${@: -1}" .pem | sed "s/authority-/SHA-1 hash: /" >> "$MAC/keychain" ;;
-  remove-trusted-cert) true ;;
+  remove-trusted-cert) [ ! -e "$MAC/forgetting-asks" ] || exec sleep 60 ;;
   delete-certificate)
     [ ! -e "$MAC/keychain-is-locked" ] || exit 1
     grep -v "$3" "$MAC/keychain" > "$MAC/keychain.new"; mv "$MAC/keychain.new" "$MAC/keychain" ;;
   find-certificate) cat "$MAC/keychain" ;;
   authorizationdb)
     case "$2" in
-      read) echo "the right as it was" ;;
-      write) if [ "$4" = allow ]; then touch "$MAC/right"; else cat > "$MAC/right-put-back"; rm -f "$MAC/right"; fi ;;
+      read) if [ -e "$MAC/right" ]; then echo "allowed"; else echo "the right as it was"; fi ;;
+      write)
+        [ ! -e "$MAC/right-is-fixed" ] || { echo "NO (-60005)" >&2; exit 1; }
+        if [ "$4" = allow ]; then touch "$MAC/right"; else cat > "$MAC/right-put-back"; rm -f "$MAC/right"; fi ;;
     esac ;;
 esac''',
     "hdiutil": '''

@@ -29,6 +29,7 @@ from harness.macos import (desktop, holding, images, link_handlers, machine, pre
                            processes)
 from changes import ToolFailed  # noqa: E402
 from journal import Journal  # noqa: E402
+from macos import changes  # noqa: E402
 from macos.changes import MacChanges  # noqa: E402
 
 
@@ -120,7 +121,7 @@ class Trust(HarnessCase):
     def test_an_authority_is_trusted_and_taken_back_by_the_world(self):
         machine.trust(self.certificate)
         self.assertIn(self.digest, self.KEYCHAIN.read_text())
-        added = MAC.calls("security")[0]
+        added, = [words for words in MAC.calls("security") if words[0] == "add-trusted-cert"]
         self.assertEqual(added[:6], ["add-trusted-cert", "-d", "-r", "trustRoot", "-k",
                                      str(MAC.root / "Library/Keychains/System.keychain")])
         self.certificate.unlink()  # the world has a copy of its own
@@ -128,14 +129,39 @@ class Trust(HarnessCase):
         self.assertEqual(self.KEYCHAIN.read_text(), self.before)
         self.assertIn("remove-trusted-cert", [words[0] for words in MAC.calls("security")])
 
+    def meanwhile(self, name):
+        (MAC.root / name).touch()
+        self.addCleanup((MAC.root / name).unlink)
+
     def test_the_right_to_trust_without_a_question_is_granted_for_as_long_as_needed(self):
-        (MAC.root / "trust-asks").touch()
-        self.addCleanup((MAC.root / "trust-asks").unlink)
+        self.meanwhile("trust-asks")
+        machine.trust(self.certificate)
         machine.trust(self.certificate)
         self.assertIn(self.digest, self.KEYCHAIN.read_text())
+        MAC.calls_file.unlink()
         self.assertEqual(self.take_back(), [])
         self.assertEqual((MAC.root / "right-put-back").read_text(), "the right as it was\n")
         self.assertFalse((MAC.root / "right").exists())
+        self.assertEqual(self.KEYCHAIN.read_text(), self.before)
+        self.assertEqual([words[0] for words in MAC.calls("security")][-2:], ["authorizationdb"] * 2, "while it is needed")
+
+    def test_where_nobody_may_grant_the_right_the_system_is_asked_all_the_same(self):
+        self.meanwhile("right-is-fixed")
+        machine.trust(self.certificate)
+        self.assertIn(self.digest, self.KEYCHAIN.read_text())
+        self.assertEqual(self.take_back(), [])
+        self.assertEqual(self.KEYCHAIN.read_text(), self.before)
+
+    def test_a_question_that_nobody_answers_ends(self):
+        self.meanwhile("right-is-fixed")
+        (MAC.root / "trust-asks").touch()
+        with mock.patch.object(changes, "TO_TRUST_SECONDS", 1), self.assertRaises(ToolFailed):
+            machine.trust(self.certificate)
+        (MAC.root / "trust-asks").unlink()
+        machine.trust(self.certificate)
+        self.meanwhile("forgetting-asks")
+        with mock.patch.object(changes, "TO_FORGET_SECONDS", 1):
+            self.assertEqual(self.take_back(), [])
         self.assertEqual(self.KEYCHAIN.read_text(), self.before)
 
     def test_one_that_cannot_be_trusted_is_told(self):

@@ -3,12 +3,14 @@
 import os
 import pathlib
 import plistlib
+import sys
 
 from changes import ToolFailed, run
 
 DOMAIN = "com.ovra.tessel.OvraTesselLumora"
 BUNDLE_NAME = "Ovra Tessel Lumora.app"
 KEYCHAIN = "Library/Keychains/System.keychain"
+ALARMED = "import os, signal, sys; signal.alarm(int(sys.argv[1])); os.execvp(sys.argv[2], sys.argv[2:])"
 
 
 class Mac:
@@ -40,6 +42,10 @@ class Mac:
         """Never asks for a password: nobody is there to give it."""
         return self.run("sudo", "-n", *words, **more)
 
+    def run_as_root_within(self, seconds, *words, **more):
+        """For a tool that can wait for a person. The clock runs in its own process: root's are not this user's to end."""
+        return self.run_as_root(sys.executable, "-c", ALARMED, str(seconds), *words, **more)
+
     def has_rights(self):
         try:
             self.run_as_root("true")
@@ -63,7 +69,8 @@ class Mac:
         """Those that run from one of the product's places, by number; with their programs' paths."""
         places = [f"{path}/" for path in self.product_places()]
         found = {}
-        for line in self.run("ps", "-axo", "pid=,comm=").decode(errors="replace").splitlines():
+        # Wide: a terminal's width would cut their ends off.
+        for line in self.run("ps", "-axww", "-o", "pid=,comm=").decode(errors="replace").splitlines():
             number, _, program = line.strip().partition(" ")
             if program.strip().startswith(tuple(places)):
                 found[int(number)] = program.strip()
