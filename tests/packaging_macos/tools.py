@@ -7,7 +7,8 @@ from pathlib import Path
 
 from places import PACKAGING
 
-ORDINARY = ["basename", "bash", "cat", "cp", "dirname", "env", "grep", "ls", "mkdir", "mktemp", "mv", "rm", "tail", "tee"]
+ORDINARY = ["basename", "bash", "cat", "cp", "dirname", "env", "grep", "ls", "mkdir", "mktemp", "mv", "rm", "sleep", "tail",
+            "tee"]
 
 
 class Tools:
@@ -28,6 +29,7 @@ class Tools:
     def add(self, name, body="true"):
         """A tool that records its arguments, one call a line, and does what the body says."""
         tool = self.bin / name
+        tool.unlink(missing_ok=True)  # it may be a link to the machine's own
         tool.write_text(f'#!/bin/bash\n(IFS="|"; echo "{name}|$*") >> "{self.calls_file}"\n{body}\n')
         tool.chmod(0o755)
 

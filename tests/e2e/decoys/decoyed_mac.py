@@ -111,6 +111,7 @@ class DecoyedMac:
 
     def add_tool(self, name, body):
         tool = self.bin / name
+        tool.unlink(missing_ok=True)  # it may be a link to the machine's own
         tool.write_text(f'#!/bin/bash\n(IFS="|"; echo "{name}|$*") >> "{self.calls_file}"\nMAC="{self.root}"\n{body}\n')
         tool.chmod(0o755)
 
