@@ -149,6 +149,17 @@ class Work(PackagingScript):
         mounted = f'"/Volumes/Lumora Plugin/{BUNDLE}"'
         self.assertIn(mounted, (ROOT / "src" / "selfupdate" / "staging.cpp").read_text())
 
+    def test_an_image_is_tried_again_while_its_volume_is_busy_and_given_up_in_the_end(self):
+        bundle = self.tools.folder(BUNDLE)
+        for name in ("ditto", "sleep"):
+            self.tools.add(name)
+        self.tools.add("hdiutil", '[ "$(grep -c hdiutil "$HOME/calls")" = 3 ]')
+        self.assertEqual(0, self.tools.run("make-image", bundle, "a.dmg").returncode)
+        self.assertEqual(3, len(self.tools.calls("hdiutil")))
+        self.tools.add("hdiutil", "false")
+        self.assertRefuses(self.tools.run("make-image", bundle, "a.dmg"), "make-image: hdiutil makes no image")
+        self.assertEqual(3 + 5, len(self.tools.calls("hdiutil")))
+
     def test_a_bundle_is_notarised_as_an_archive_and_stapled_itself(self):
         bundle = self.tools.folder(BUNDLE)
         for name in ("ditto", "xcrun"):
