@@ -5,7 +5,7 @@ import os
 import pathlib
 import shutil
 
-from harness import agent, images
+from harness import agent, images, places
 from harness.linux import iso
 from harness.case import (IMAGE_PATH, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
@@ -80,7 +80,7 @@ class Downloads(EndToEndCase):
         self.assertEqual(self.data_centre.requests("/agent/OvraMac.dmg"), [])
 
     def test_address_of_another_protocol(self):
-        secret = self.home.path / "secret"
+        secret = places.ROOT / "secret"
         secret.write_text("secret")
         for url in (f"file://{secret}", "ftp://cdn.ovratessel.example/x", "gopher://cdn.ovratessel.example/1"):
             with self.subTest(url):

@@ -3,9 +3,10 @@
 import json
 import os
 import re
+import shutil
 import stat
 
-from harness import agent, images, system, waiting
+from harness import agent, images, places, system, waiting
 from harness.case import (AGENT_VERSION, CHECK_PATH, EMAIL, IMAGE_PATH, KEY, TOKEN, WEB_SERVER, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 
@@ -100,7 +101,8 @@ class Join(EndToEndCase):
     def test_installed_files_are_the_images_own(self):
         self.install_agent()
 
-        original = self.home.path / "image"
+        original = places.ROOT / "image"
+        shutil.rmtree(original, ignore_errors=True)
         images.extract(self.data_centre.agent_image, original)
         for name in ["Ovra.app", "tools_mac"]:
             self.assertEqual(tree(self.home.agent_folder / name), tree(original / name))

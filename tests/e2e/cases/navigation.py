@@ -5,6 +5,7 @@ import time
 from harness import desktop, link_handlers, waiting
 from harness.case import (TOKEN, WEB_SERVER, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
+from harness.system import linux_only
 from harness.weather import PROBE_AGENT
 
 OWN = f"https://{WEB_SERVER}/place"
@@ -312,6 +313,7 @@ class DeepLinks(NavigationCase):
         self.assert_stays()
         self.assertEqual((self.handed_on(), self.lines_of(0, DEEP_LINE)), ([], []))
 
+    @linux_only("a Mac asks a person what is to open it, in a window that stays")
     def test_without_an_application_nothing_happens(self):
         self.open(f'<a class="all" href="{DEEP_LINK}">join</a>')
         self.click()

@@ -164,7 +164,8 @@ class Places(UpdateCase):
         self.assert_nothing_left_over()
 
     def test_replaced_where_it_lies_when_a_link_started_it(self):
-        real, self.bundle = self.bundle, self.home.path / "Desktop.app"
+        real, self.bundle = self.bundle, places.ROOT / "Desktop.app"
+        self.bundle.unlink(missing_ok=True)
         self.bundle.symlink_to(real)
         self.stage()
         self.close_and_see(*swap_lines(real))
@@ -211,7 +212,7 @@ class TwoProcesses(UpdateCase):
         """A user who has started the application twice closes one while the other stages."""
         self.stage()
         before = bundles.picture(self.bundle)
-        aside = self.home.path / "aside"
+        aside = self.home.log_folder / "aside"
         other = os.open(self.home.support_folder, os.O_RDONLY)
         try:
             fcntl.flock(other, fcntl.LOCK_EX)

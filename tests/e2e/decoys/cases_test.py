@@ -12,7 +12,7 @@ from decoyed_mac import WORLD
 E2E = WORLD.parent
 # Modules of something that only Linux has, and of the others the most that may be skipped: none where none is named.
 WHOLE = ("abuse_link", "accessibility", "appearance", "uninstall", "weather_network")
-LINUX_ONLY = {"bad_input": 3, "downloads": 6, "launch": 1, "pages": 1, "self_update": 2, "self_update_failures": 2,
+LINUX_ONLY = {"bad_input": 3, "downloads": 6, "launch": 1, "navigation": 1, "pages": 1, "self_update": 2, "self_update_failures": 2,
               "termination": 1, "world": 7}
 # What a release hands out on Linux: these are not registered on a Mac.
 PACKAGES = ("installed_for_one_user", "installed_package")

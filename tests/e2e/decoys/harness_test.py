@@ -14,7 +14,7 @@ import types
 import unittest
 from unittest import mock
 
-from decoyed_mac import WORLD, DecoyedMac
+from decoyed_mac import TOOLS, WORLD, DecoyedMac
 
 sys.path[:0] = [str(WORLD.parent), str(WORLD)]
 MAC = DecoyedMac()
@@ -72,7 +72,15 @@ class Homes(HarnessCase):
         self.home.log.write_text("a line")
         self.home.agent_records.mkdir(parents=True)
         (self.home.agent_records / "agent-1.json").write_text(json.dumps({"time": "1", "pid": sleeper.pid}))
+        another = subprocess.Popen(["sleep", "60"])
+        self.addCleanup(another.wait)
+        self.addCleanup(another.kill)
+        (self.home.agent_records / "agent-2.json").write_text(json.dumps({"time": "2", "pid": another.pid}))
+        (MAC.root / "processes").write_text(f"  {sleeper.pid} {self.home.agent}/Contents/MacOS/Ovra\n"
+                                            f"  {another.pid} /bin/sleep\n")
+        self.addCleanup((MAC.root / "processes").unlink)
         machine.end_agents(self.home)
+        self.assertIsNone(another.poll(), "its number is another's now")
         self.assertEqual(sleeper.wait(timeout=30), -signal.SIGKILL)
         machine.fresh_home("cases.Test.next")
         kept = ROOT / "homes/cases.Test.test/Library/Logs/OvraTessel/OvraLumora/ovraLumora.log"
@@ -89,11 +97,11 @@ class Homes(HarnessCase):
         self.assertFalse(folder.exists())
 
     def test_volumes_of_the_product_are_detached_and_no_other(self):
-        for name in ("Ovra", "Ovra 1", "Lumora Plugin", "Macintosh HD"):
+        for name in ("Ovra", "Ovra 1", "Lumora Plugin", "Lumora Plug-in", "Ovra Backup", "Macintosh HD"):
             (MAC.root / "Volumes" / name).mkdir()
-        self.assertEqual(len(machine.volumes()), 3)
+        self.assertEqual(len(machine.volumes()), 4)
         machine.clear()
-        self.assertEqual([path.name for path in (MAC.root / "Volumes").iterdir()], ["Macintosh HD"])
+        self.assertEqual(sorted(path.name for path in (MAC.root / "Volumes").iterdir()), ["Macintosh HD", "Ovra Backup"])
 
 
 class Preferences(HarnessCase):
@@ -205,12 +213,24 @@ class Images(HarnessCase):
     def test_of_a_volume_hold_what_they_are_made_of(self):
         image = ROOT / "image.dmg"
         image.write_bytes(images.volume({"Ovra.app/Contents/Info.plist": b"x", "link": "Ovra.app"}, "Lumora Plug-in"))
-        created, = MAC.calls("hdiutil")
+        created = MAC.calls("hdiutil")[0]
         self.assertEqual(created[created.index("-volname") + 1], "Lumora Plug-in")
         images.extract(image, ROOT / "extracted")
         self.assertEqual((ROOT / "extracted/Ovra.app/Contents/Info.plist").read_bytes(), b"x")
         self.assertEqual(os.readlink(ROOT / "extracted/link"), "Ovra.app")
         self.assertEqual([words[0] for words in MAC.calls("hdiutil")], ["create", "attach", "detach"])
+
+
+    def test_are_tried_again_while_the_volume_is_busy(self):
+        body = TOOLS["hdiutil"]
+        self.addCleanup(MAC.add_tool, "hdiutil", body)
+        MAC.add_tool("hdiutil", f'[ "$(grep -c "^hdiutil" "{MAC.calls_file}")" -gt 2 ] || exit 1\n{body}')
+        with mock.patch.object(images, "PAUSE_SECONDS", 0):
+            self.assertTrue(images.volume({"Read me": b"x"}).startswith(b"Ovra\n"))
+        self.assertEqual(len(MAC.calls("hdiutil")), 3)
+        MAC.add_tool("hdiutil", "exit 1")
+        with mock.patch.object(images, "PAUSE_SECONDS", 0), self.assertRaises(subprocess.CalledProcessError):
+            images.volume({"Read me": b"x"})
 
 
 class LinkHandlers(HarnessCase):

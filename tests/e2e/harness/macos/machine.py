@@ -3,6 +3,7 @@
 import contextlib
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -13,8 +14,8 @@ from harness.macos.world import changes, journal, mac
 from macos.in_place import ADDRESS as SERVER_ADDRESS, LISTEN as LISTEN_ADDRESS  # noqa: F401
 
 VOLUMES = pathlib.Path("/Volumes")
-# Those of the product's images; a second one of a name gets a number behind it.
-NAMES = ("Ovra", "Lumora Plugin")
+# Those of the product's images and of the tests'; a second one of a name gets a number behind it.
+NAMES = re.compile(r"(Ovra|Lumora Plug-?in)( \d+)?")
 
 
 def _places():
@@ -50,7 +51,7 @@ def expect(path):
 
 
 def volumes():
-    return [entry for entry in VOLUMES.iterdir() if entry.name.startswith(NAMES)]
+    return [entry for entry in VOLUMES.iterdir() if NAMES.fullmatch(entry.name)]
 
 
 def trust(certificate):
@@ -60,7 +61,10 @@ def trust(certificate):
 
 def end_agents(home):
     """Those that the system has started with a window all the same. The test's evidence is kept for a person to look at."""
+    running = mac.product_processes()  # the numbers of those that have ended are others' by and by
     for record in agent.records(home):
+        if record["pid"] not in running:
+            continue
         with contextlib.suppress(ProcessLookupError):
             os.kill(record["pid"], signal.SIGKILL)
     evidence = home.console.with_name(home.console.name.removesuffix(".console.log"))

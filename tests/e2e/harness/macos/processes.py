@@ -1,4 +1,4 @@
-"""Processes by what the system's tools tell of them.
+"""Processes by what the system's tools tell of them: in full width, a terminal's would cut the ends off.
 
 The engine's processes are started by the system, not by the application: those that are there since its start are its own.
 """
@@ -17,7 +17,7 @@ def _told(*command):
 def _engine_processes():
     """Number and name of each, oldest first."""
     found = {}
-    for line in _told("ps", "-axo", "pid=,comm=").splitlines():
+    for line in _told("ps", "-axww", "-o", "pid=,comm=").splitlines():
         number, _, program = line.strip().partition(" ")
         name = program.strip().rpartition("/")[2]
         if name.startswith(ENGINE):
@@ -40,7 +40,7 @@ def web_processes(application):
 
 def image_tool_runs():
     """The application's own: a system's service may keep its helpers."""
-    return any(line.strip().rpartition("/")[2] == "hdiutil" for line in _told("ps", "-axo", "comm=").splitlines())
+    return any(line.strip().rpartition("/")[2] == "hdiutil" for line in _told("ps", "-axww", "-o", "comm=").splitlines())
 
 
 def usage_of(pid):
