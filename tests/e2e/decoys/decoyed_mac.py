@@ -125,10 +125,13 @@ class DecoyedMac:
         return {"PATH": str(self.bin), "HOME": str(self.home), "LUMORA_DECOYED_MAC": str(self.root),
                 "LUMORA_E2E_IN_PLACE": "1", "PYTHONDONTWRITEBYTECODE": "1"}
 
+    def words(self, *command, options=()):
+        """That enter the world with this command."""
+        return [sys.executable, str(ENTER), "--root", str(self.root / "run"), *options, "--", *map(str, command)]
+
     def begin(self, *command, options=(), **environment):
         """Enters the world with this command, in the background."""
-        words = [sys.executable, str(ENTER), "--root", str(self.root / "run"), *options, "--", *map(str, command)]
-        return subprocess.Popen(words, env=self.environment | environment, stdin=subprocess.DEVNULL,
+        return subprocess.Popen(self.words(*command, options=options), env=self.environment | environment, stdin=subprocess.DEVNULL,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
 
     def enter(self, *command, options=(), **environment):

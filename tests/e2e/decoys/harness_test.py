@@ -5,6 +5,7 @@ import json
 import os
 import pathlib
 import plistlib
+import re
 import signal
 import socket
 import subprocess
@@ -247,14 +248,15 @@ class LinkHandlers(HarnessCase):
             told = plistlib.loads((ROOT / "signed").read_bytes())
             self.assertEqual(told["CFBundleURLTypes"][0]["CFBundleURLSchemes"], ["ovrajoin"])
             self.assertEqual(told["CFBundleExecutable"], "applet")
-            opened = pathlib.Path(bundle).parent / "opened"
-            self.assertIn(f'"{opened}"', pathlib.Path(bundle, "Contents/script").read_text())
+            script = pathlib.Path(bundle, "Contents/script").read_text()
+            opened = pathlib.Path(re.search(r'quoted form of "(.*)"', script)[1])
+            self.assertFalse(opened.is_relative_to(ROOT))
             self.assertEqual(handler.opened(), [])
             opened.write_text("ovrajoin://a\novrajoin://b\novr")
             self.assertEqual(handler.opened(), ["ovrajoin://a", "ovrajoin://b"])
             handler.remove()
         self.assertEqual(MAC.calls("lsregister")[-1], ["-u", bundle])
-        self.assertFalse(pathlib.Path(bundle).parent.exists())
+        self.assertFalse(pathlib.Path(bundle).parent.exists() or opened.parent.exists())
 
 
 class Processes(HarnessCase):

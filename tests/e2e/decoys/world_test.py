@@ -2,6 +2,8 @@
 
 import os
 import plistlib
+import pty
+import select
 import signal
 import sys
 import time
@@ -95,6 +97,26 @@ class Arrangement(MacWorld):
         self.assertNotIn("HTTPS_PROXY", seen)
         self.assertNotIn("DYLD_LIBRARY_PATH", seen)
         self.assertIn("LUMORA_ROUNDS", seen)
+
+    def test_a_shell_in_it_reads_from_the_terminal(self):
+        child, terminal = pty.fork()
+        if child == 0:
+            words = self.mac.words("bash", "-c", "read line; echo \"read: $line\"")
+            os.execve(words[0], words, self.mac.environment)
+        self.addCleanup(os.close, terminal)
+        self.addCleanup(os.waitpid, child, 0)
+        self.addCleanup(os.kill, child, signal.SIGTERM)
+        os.write(terminal, b"a line\n")
+        seen = []
+        self.wait_until(lambda: seen.append(self.shown(terminal)) or b"read: a line" in b"".join(seen))
+
+    @staticmethod
+    def shown(terminal):
+        """What has come since, without waiting for more; nothing from a terminal that nobody has open any more."""
+        try:
+            return os.read(terminal, 1000) if select.select([terminal], [], [], 0)[0] else b""
+        except OSError:
+            return b""
 
     def test_only_the_machines_own_goes_through_sudo_and_never_asks(self):
         self.furnish()
@@ -308,6 +330,10 @@ class Refusals(MacWorld):
 
     def test_on_a_managed_mac(self):
         self.mac.put_preferences(f"Library/Managed Preferences/{DOMAIN}.plist", {"DC": "com"})
+        self.assert_refused("is managed")
+
+    def test_for_a_managed_user(self):
+        self.mac.put_preferences(f"Library/Managed Preferences/home/{DOMAIN}.plist", {"DC": "com"})
         self.assert_refused("is managed")
 
     def test_while_the_application_runs(self):

@@ -18,7 +18,9 @@ end open location
 class Handler:
     def __init__(self, _, scheme):
         self._folder = pathlib.Path(tempfile.mkdtemp(prefix="link-handler-", dir=places.ROOT))
-        self._opened = self._folder / "opened"
+        # Not beside it: of some folders a person is asked whether an application may write there.
+        self._notes = pathlib.Path(tempfile.mkdtemp())
+        self._opened = self._notes / "opened"
         self._bundle = self._folder / "Lumora Link Handler.app"
         source = self._folder / "handler.applescript"
         source.write_text(SCRIPT.format(opened=self._opened), encoding="utf-8")
@@ -45,3 +47,4 @@ class Handler:
     def remove(self):
         subprocess.run([REGISTER, "-u", self._bundle], check=False)
         shutil.rmtree(self._folder)
+        shutil.rmtree(self._notes)

@@ -3,6 +3,7 @@
 The tests and the application run as the user at the screen. Only the few changes to the machine go through sudo.
 """
 
+import contextlib
 import os
 import signal
 import subprocess
@@ -44,8 +45,9 @@ def refusal(mac):
     reason = refusal_to_restore(mac)
     if reason:
         return reason
-    if mac.managed_preferences.exists():
-        return f"this Mac is managed: {mac.managed_preferences} would configure the application under test"
+    for file in mac.managed_preferences:
+        if file.exists():
+            return f"this Mac is managed: {file} would configure the application under test"
     running = mac.product_processes()
     if running:
         return f"{next(iter(running.values()))} is running here: quit it first"
@@ -89,13 +91,39 @@ def stop(number, _):
 
 def run(command, world, lock, mac):
     """The command holds the lock too: whatever becomes of this process, nobody restores under the tests' feet."""
-    child = subprocess.Popen(command, env=world, pass_fds=[lock], preexec_fn=os.setpgrp)
+    lent = has_terminal()
+    child = subprocess.Popen(command, env=world, pass_fds=[lock], preexec_fn=lambda: lead_group(lent))
     try:
         status = wait(child, mac)
     finally:
+        if lent:
+            take_terminal()
         end_group(child)
         mac.end_product_processes()  # the system has started some of them, apart from the command
     return 128 - status if status < 0 else status
+
+
+def has_terminal():
+    """Whether what is typed comes here."""
+    try:
+        return os.tcgetpgrp(0) == os.getpgrp()
+    except OSError:
+        return False
+
+
+def take_terminal():
+    before = signal.signal(signal.SIGTTOU, signal.SIG_IGN)  # it would stop whoever has it not yet
+    with contextlib.suppress(OSError):  # it may be gone meanwhile
+        os.tcsetpgrp(0, os.getpgrp())
+    signal.signal(signal.SIGTTOU, before)
+
+
+def lead_group(lent):
+    """In the command's process. The terminal goes with it: a shell reads from it, and a key that ends ends the command."""
+    os.setpgrp()
+    if lent:
+        signal.signal(signal.SIGTSTP, signal.SIG_IGN)  # nobody would wake it
+        take_terminal()
 
 
 def wait(child, mac):

@@ -22,7 +22,8 @@ class Mac:
         self.hosts = root / "etc/hosts"
         self.keychain = root / KEYCHAIN
         self.machine_domain = str(root / "Library/Preferences" / DOMAIN)
-        self.managed_preferences = root / f"Library/Managed Preferences/{DOMAIN}.plist"
+        managed = root / "Library/Managed Preferences"
+        self.managed_preferences = [managed / f"{DOMAIN}.plist", managed / self.home.name / f"{DOMAIN}.plist"]
         # In the user's own folder: a build folder may be removed while it holds what is to be put back.
         self.state = self.home / "Library/Application Support/Lumora end-to-end tests"
 
