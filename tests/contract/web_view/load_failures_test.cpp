@@ -184,4 +184,16 @@ TEST_F(FailedLoads, aPageThatItsProcessWasToShowIsReportedLostOnce) {
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 
+TEST_F(FailedLoads, aPlaceInThePageThatStandsIsNotWaitedFor) {
+    server.page("/app", "<title>app</title>");
+    show(server.url("/app") + "#join");
+    run("location.hash = 'session'");
+    ASSERT_TRUE(runUntil([this] { return valueOf("location.hash") == "#session"; }));
+    load(server.url("/app") + "#join", 1s);
+    ASSERT_TRUE(runUntil([this] { return valueOf("location.hash") == "#join"; }));
+    runFor(1300ms);
+    EXPECT_EQ(delegate.reportedFailures(), 0U);
+    EXPECT_EQ(view.address(), server.url("/app") + "#join");
+}
+
 } // namespace lumora::contract

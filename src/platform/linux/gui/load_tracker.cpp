@@ -49,6 +49,14 @@ void LoadTracker::finished() {
         phase_ = Phase::idle;
 }
 
+bool LoadTracker::endedUnbegun() {
+    if (phase_ != Phase::decided || !asked_.empty())
+        return false;
+    phase_ = Phase::idle;
+    awaited_.clear();
+    return true;
+}
+
 LoadTracker::Verdict LoadTracker::failed(FailureKind kind, const std::string& uri) {
     const bool isCancelled = kind == FailureKind::cancelled || kind == FailureKind::cancelledForFilter;
     if (isCancelled && replaced_ > 0) {

@@ -36,6 +36,11 @@ class LoadTracker {
     void started() { phase_ = Phase::provisional; }
     void committed();
     void finished();
+
+    /// The engine loads nothing any more.
+    /// @return whether the host's newest load, now over, led to another place in the page that stood.
+    [[nodiscard]] bool endedUnbegun();
+
     [[nodiscard]] Verdict failed(FailureKind kind, const std::string& uri);
 
     /// The page's process has gone, and with it everything that was under way.

@@ -72,6 +72,7 @@ WebKitView::WebKitView(MainLoop& loop, const std::string& deepLinkScheme)
       announcement_(view_.get()), gate_(view_.get(), tracker_, deepLinkScheme, [this] { return delegate_; }),
       watch_(loop, view_.get(), [this](const std::string& uri) { timedOut(uri); }), signals_(view_.get()) {
     signals_.connect("load-changed", &WebKitView::loadChanged, this);
+    signals_.connect("notify::is-loading", &WebKitView::loadingChanged, this);
     signals_.connect("load-failed", &WebKitView::loadFailed, this);
     signals_.connect("load-failed-with-tls-errors", &WebKitView::certificateRejected, this);
     signals_.connect("web-process-terminated", &WebKitView::processTerminated, this);
@@ -150,6 +151,15 @@ void WebKitView::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointe
         self->tracker_.finished();
         break;
     }
+}
+
+// Of a place in the page that stands nothing else is told.
+void WebKitView::loadingChanged(WebKitWebView* view, GParamSpec*, gpointer data) {
+    auto* self = static_cast<WebKitView*>(data);
+    if (webkit_web_view_is_loading(view) != FALSE || !self->tracker_.endedUnbegun())
+        return;
+    self->watch_.end();
+    self->committed_ = textOf(webkit_web_view_get_uri(view));
 }
 
 void WebKitView::pageStands(const std::string& uri) {

@@ -40,6 +40,7 @@ class WebKitView final : public WebView {
 
   private:
     static void loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self);
+    static void loadingChanged(WebKitWebView* view, GParamSpec* property, gpointer self);
     static gboolean loadFailed(WebKitWebView* view, WebKitLoadEvent event, char* uri, GError* error,
                                gpointer self);
     static gboolean certificateRejected(WebKitWebView* view, char* uri, GTlsCertificate* certificate,
