@@ -86,6 +86,8 @@ TEST_F(HttpSessionsContract, aDownloadIsAPrivateFileForTheTimeOfItsCompletion) {
 }
 
 TEST_F(HttpSessionsContract, noTaskLeavesAFileBehind) {
+    if (!kTestsChooseTemporaryFolder)
+        GTEST_SKIP() << "others' files come and go where this system keeps downloads";
     ::setenv("TMPDIR", folder_.path().c_str(), 1);
     const TestServer server([](Connection& client, const std::string& head) {
         if (pathOf(head) == "/whole")
@@ -304,7 +306,7 @@ TEST_F(HttpSessionsContract, aSessionUsesNoConnectionOfAnother) {
     EXPECT_EQ(kSessions, server.connections());
 }
 
-TEST_F(HttpSessionsContract, completionsOfASessionRunOneAfterTheOtherOnOneThread) {
+TEST_F(HttpSessionsContract, completionsOfASessionRunOneAfterTheOtherOffTheCallersThread) {
     constexpr int kTasks = 30;
     const TestServer server([](Connection& client, const std::string& head) { client.answer(pathOf(head)); });
     const auto session = sessions_->makeSession({});
@@ -335,8 +337,10 @@ TEST_F(HttpSessionsContract, completionsOfASessionRunOneAfterTheOtherOnOneThread
 
     ASSERT_TRUE(eventually([&] { return done == kTasks; }));
     EXPECT_FALSE(overlapped);
-    EXPECT_EQ(1U, threads.size());
-    EXPECT_NE(std::this_thread::get_id(), *threads.begin());
+    EXPECT_EQ(0U, threads.count(std::this_thread::get_id()));
+    if (kSessionsHaveAThread) {
+        EXPECT_EQ(1U, threads.size());
+    }
     for (int task = 0; task < kTasks; ++task)
         EXPECT_EQ(1U, bodies.count(fmt::format("/{}", task)));
 }

@@ -47,6 +47,10 @@ inline std::unique_ptr<platform::HttpSessions> makeHttpSessions() {
 /// The sessions trust the machine's own authorities, and no test's.
 constexpr bool kTestsChooseAuthorities = false;
 
+/// Downloads come into a folder of the system's choice, and a session's completions to whatever thread is free.
+constexpr bool kTestsChooseTemporaryFolder = false;
+constexpr bool kSessionsHaveAThread = false;
+
 inline std::unique_ptr<platform::HttpSessions> makeHttpSessionsTrusting(const std::string&) {
     return makeHttpSessions();
 }
@@ -132,6 +136,10 @@ inline std::unique_ptr<platform::HttpSessions> makeHttpSessions() {
 
 /// The sessions trust the authority of the certificate instead of the machine's own.
 constexpr bool kTestsChooseAuthorities = true;
+
+/// Downloads come into the environment's temporary folder, and completions to the one thread of their session.
+constexpr bool kTestsChooseTemporaryFolder = true;
+constexpr bool kSessionsHaveAThread = true;
 
 inline std::unique_ptr<platform::HttpSessions> makeHttpSessionsTrusting(const std::string& certificate) {
     backend::HttpTransferSettings settings;

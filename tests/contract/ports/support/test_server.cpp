@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -62,10 +63,10 @@ void Connection::close() { ::shutdown(socket_, SHUT_RDWR); }
 void Connection::reset() {
     const linger atOnce{1, 0};
     ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
-    // Connecting to nothing ends the association at once while the descriptor stays this object's.
-    sockaddr nothing{};
-    nothing.sa_family = AF_UNSPEC;
-    ::connect(socket_, &nothing, sizeof nothing);
+    // Its last descriptor's end resets the connection, and the number stays this object's.
+    const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    ::dup2(nothing, socket_);
+    ::close(nothing);
 }
 
 void Connection::awaitClient() {
