@@ -2,7 +2,9 @@
 
 #include "platform/posix/folder_hold.h"
 #include "platform/posix/posix_error.h"
+#include "platform/posix/removal_obstacle.h"
 #include "platform/posix/temporary_sibling.h"
+#include "platform/posix/tree_removal.h"
 #include "platform/posix/unique_fd.h"
 
 #include <fcntl.h>
@@ -27,6 +29,23 @@ Result<UniqueFd> openRegularFile(const std::string& path, int flags) {
     if (!S_ISREG(status.st_mode))
         return posixError(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path);
     return file;
+}
+
+/// Whether the entry may not be taken out of its folder; other errors say only that renaming is not the way.
+bool isRefusal(int error) { return error == EACCES || error == EPERM || error == EBUSY || error == EROFS; }
+
+Result<void> removeFolder(const std::string& path) {
+    if (::rmdir(path.c_str()) == 0)
+        return {};
+    if (const int obstacle = findRemovalObstacle(path); obstacle != 0)
+        return posixError(obstacle, path);
+    TemporarySibling aside(path);
+    if (const int error = aside.takeAway(); error != 0)
+        return isRefusal(error) ? posixError(error, path) : removeTree(path);
+    Result<void> removed = removeTree(aside.path());
+    if (!removed)
+        aside.giveBack();
+    return removed;
 }
 
 } // namespace
@@ -111,6 +130,18 @@ Result<std::uint64_t> PosixFiles::fileSize(const std::string& path) {
     if (::stat(place.value().c_str(), &status) != 0)
         return posixError(errno, path);
     return static_cast<std::uint64_t>(status.st_size);
+}
+
+Result<void> PosixFiles::removeItem(const std::string& path) {
+    const auto place = resolved(path);
+    if (!place)
+        return place.error();
+    std::string entry = place.value();
+    while (entry.size() > 1 && entry.ends_with('/')) // a link that ends in a slash is the link itself
+        entry.pop_back();
+    struct stat status {};
+    const bool isRealFolder = ::lstat(entry.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return isRealFolder ? removeFolder(entry) : removeTree(entry);
 }
 
 std::shared_ptr<void> PosixFiles::holdFolder(const std::string& path) {

@@ -7,10 +7,6 @@
 
 namespace lumora::platform::linux_backend {
 
-/// Whether the user may remove what stands at the path with all it holds, as far as that can be seen beforehand. No
-/// slash ends the path. The result is an errno, 0 for yes.
-[[nodiscard]] int findRemovalObstacle(const std::string& path);
-
 /// Copies a file, link or folder whole, aside: contents, modes, links as links, modification times and extended
 /// attributes. Devices, pipes and sockets are refused.
 Result<void> copyTree(const std::string& source, posix_backend::TemporarySibling& aside);

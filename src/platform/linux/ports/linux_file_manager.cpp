@@ -4,7 +4,6 @@
 #include "platform/linux/ports/volumes.h"
 #include "platform/posix/posix_error.h"
 #include "platform/posix/temporary_sibling.h"
-#include "platform/posix/tree_removal.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,7 +18,6 @@ namespace lumora::platform::linux_backend {
 namespace {
 
 using posix_backend::posixError;
-using posix_backend::removeTree;
 using posix_backend::TemporarySibling;
 
 constexpr mode_t kDefaultFolderMode = 0777;
@@ -47,24 +45,6 @@ std::string parentOf(const std::string& path) {
 bool liesInside(const std::string& destination, const std::string& source) {
     const std::string folder = canonical(source);
     return !folder.empty() && (canonical(parentOf(destination)) + '/').starts_with(folder + '/');
-}
-
-/// Whether the entry may not be taken out of its folder; other errors say only that renaming is not the way.
-bool isRefusal(int error) { return error == EACCES || error == EPERM || error == EBUSY || error == EROFS; }
-
-/// The folder disappears in one step, or stays as it is when something in it cannot be removed.
-Result<void> removeFolder(const std::string& path) {
-    if (::rmdir(path.c_str()) == 0)
-        return {};
-    if (const int obstacle = findRemovalObstacle(path); obstacle != 0)
-        return posixError(obstacle, path);
-    TemporarySibling aside(path);
-    if (const int error = aside.takeAway(); error != 0)
-        return isRefusal(error) ? posixError(error, path) : removeTree(path);
-    Result<void> removed = removeTree(aside.path());
-    if (!removed)
-        aside.giveBack();
-    return removed;
 }
 
 } // namespace
@@ -128,18 +108,6 @@ Result<void> LinuxFileManager::copyItem(const std::string& source, const std::st
             copied = posixError(error, destination);
     }
     return copied;
-}
-
-Result<void> LinuxFileManager::removeItem(const std::string& path) {
-    const auto place = resolved(path);
-    if (!place)
-        return place.error();
-    std::string entry = place.value();
-    while (entry.size() > 1 && entry.ends_with('/')) // a link that ends in a slash is the link itself
-        entry.pop_back();
-    struct stat status {};
-    const bool isRealFolder = ::lstat(entry.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-    return isRealFolder ? removeFolder(entry) : removeTree(entry);
 }
 
 } // namespace lumora::platform::linux_backend

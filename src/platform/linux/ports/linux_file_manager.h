@@ -18,7 +18,6 @@ class LinuxFileManager final : public posix_backend::PosixFiles {
     /// Takes nothing out of a volume that another user has put into the folder of the volumes. A lone file's copy in a
     /// folder that everybody writes, as /tmp, is its owner's alone to change.
     Result<void> copyItem(const std::string& source, const std::string& destination) override;
-    Result<void> removeItem(const std::string& path) override;
 
   private:
     [[nodiscard]] Result<std::string> resolved(const std::string& path) const override;

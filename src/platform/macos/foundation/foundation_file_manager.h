@@ -4,7 +4,7 @@
 
 namespace lumora::platform::macos_backend {
 
-/// `NSFileManager`; what it leaves open in the course of a file's making is POSIX.
+/// `NSFileManager`; what it leaves open in the course of a file's making or of a removal is POSIX.
 class FoundationFileManager final : public posix_backend::PosixFiles {
   public:
     std::string homeDirectory() override;
@@ -12,7 +12,6 @@ class FoundationFileManager final : public posix_backend::PosixFiles {
     bool fileExists(const std::string& path) override;
     Result<void> createDirectoryWithIntermediates(const std::string& path) override;
     Result<void> copyItem(const std::string& source, const std::string& destination) override;
-    Result<void> removeItem(const std::string& path) override;
 
   private:
     void protectCompletely(const std::string& file) override;

@@ -1,8 +1,6 @@
 #include "platform/macos/foundation/foundation_file_manager.h"
 
 #include "platform/macos/foundation/objc_exceptions.h"
-#include "platform/posix/posix_error.h"
-#include "platform/posix/temporary_sibling.h"
 #include "platform/posix/tree_removal.h"
 
 namespace lumora::platform::macos_backend {
@@ -17,7 +15,7 @@ NSString* entryAt(const std::string& text) {
     return [path.stringByDeletingLastPathComponent stringByAppendingPathComponent:path.lastPathComponent];
 }
 
-// A name beside the entry for what takes its place, or leaves it, in one step.
+// A name beside the entry for what takes its place in one step.
 NSString* besides(NSString* path) {
     NSString* name = [@"." stringByAppendingString:NSUUID.UUID.UUIDString];
     return [path.stringByDeletingLastPathComponent stringByAppendingPathComponent:name];
@@ -65,25 +63,8 @@ Result<void> FoundationFileManager::copyItem(const std::string& source, const st
         const bool copied = [manager() copyItemAtPath:entryAt(source) toPath:copy error:error] &&
                             [manager() moveItemAtPath:copy toPath:entryAt(destination) error:error];
         if (!copied)
-            [manager() removeItemAtPath:copy error:nullptr];
+            static_cast<void>(posix_backend::removeTree(textOf(copy))); // read-only folders too
         return copied;
-    });
-}
-
-Result<void> FoundationFileManager::removeItem(const std::string& path) {
-    return atPort([&]() -> Result<void> {
-        const auto entry = resolved(textOf(entryAt(path)));
-        if (!entry)
-            return entry.error();
-        posix_backend::TemporarySibling aside(entry.value()); // not emptied where it must stay
-        if (const int error = aside.takeAway(); error != 0)
-            return posix_backend::posixError(error, path);
-        if ([manager() removeItemAtPath:nsString(aside.path()) error:nullptr])
-            return {};
-        Result<void> removed = posix_backend::removeTree(aside.path()); // it stops at read-only folders
-        if (!removed)
-            aside.giveBack();
-        return removed;
     });
 }
 

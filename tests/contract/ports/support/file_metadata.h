@@ -4,6 +4,12 @@
 
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#ifndef __APPLE__
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+#endif
 
 #include <ctime>
 #include <string>
@@ -40,6 +46,20 @@ inline long attributeSize(const std::string& path, const char* name) {
     return ::getxattr(path.c_str(), name, nullptr, 0, 0, 0);
 #else
     return ::getxattr(path.c_str(), name, nullptr, 0);
+#endif
+}
+
+/// Protects a file against every change, removal included, or ends that; false without the right, or on a file system that
+/// knows no protection.
+inline bool setProtected(const std::string& path, bool isProtected) {
+#ifdef __APPLE__
+    return ::chflags(path.c_str(), isProtected ? UF_IMMUTABLE : 0) == 0;
+#else
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int flags = isProtected ? FS_IMMUTABLE_FL : 0;
+    const bool isSet = ::ioctl(file, FS_IOC_SETFLAGS, &flags) == 0;
+    ::close(file);
+    return isSet;
 #endif
 }
 

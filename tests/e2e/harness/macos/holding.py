@@ -5,7 +5,7 @@ import subprocess
 from harness.undoing import undone_once
 
 READ_ONLY = "Error Domain=NSCocoaErrorDomain Code=513 "
-NOT_REMOVED = "Error Domain=NSCocoaErrorDomain Code="
+NOT_REMOVED = "Error Domain=NSPOSIXErrorDomain Code="
 
 
 def _lock(case, path):
