@@ -4,7 +4,7 @@
 
 namespace lumora::platform::macos_backend {
 
-/// Network paths as the Network framework sees them; updates arrive on the background queue.
+/// Network paths as the Network framework sees them; updates arrive on the background queue, in their order.
 class NetworkPathMonitors final : public PathMonitors {
   public:
     [[nodiscard]] std::unique_ptr<PathMonitor> makePathMonitor() override;

@@ -17,7 +17,10 @@ class NetworkPathMonitor final : public OneTimePathMonitor {
 
   private:
     void begin(std::function<void(PathStatus)> report) override {
-        nw_path_monitor_set_queue(monitor_, dispatch_get_global_queue(QOS_CLASS_BACKGROUND, 0));
+        // Serial: on the global queue itself an update could overtake the one before.
+        nw_path_monitor_set_queue(
+            monitor_, dispatch_queue_create_with_target(nullptr, DISPATCH_QUEUE_SERIAL,
+                                                        dispatch_get_global_queue(QOS_CLASS_BACKGROUND, 0)));
         nw_path_monitor_set_update_handler(monitor_, ^(nw_path_t path) {
             report(nw_path_get_status(path) == nw_path_status_satisfied ? PathStatus::satisfied
                                                                         : PathStatus::unsatisfied);

@@ -38,6 +38,10 @@ dispatch_queue_t dispatch_get_global_queue(intptr_t identifier, uintptr_t flags)
 API_AVAILABLE(macos(10.6), ios(4.0))
 __attribute__((ns_returns_retained)) dispatch_queue_t
 dispatch_queue_create(const char* _Nullable label, dispatch_queue_attr_t _Nullable attr);
+API_AVAILABLE(macos(10.12), ios(10.0))
+__attribute__((ns_returns_retained)) dispatch_queue_t
+dispatch_queue_create_with_target(const char* _Nullable label, dispatch_queue_attr_t _Nullable attr,
+                                  dispatch_queue_t _Nullable target);
 API_AVAILABLE(macos(10.6), ios(4.0)) void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
 
 #ifdef __cplusplus
