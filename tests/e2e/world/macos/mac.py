@@ -1,5 +1,6 @@
 """A Mac as the world finds it: where its files are, how its tools are called."""
 
+import ctypes
 import os
 import pathlib
 import plistlib
@@ -11,6 +12,16 @@ DOMAIN = "com.ovra.tessel.OvraTesselLumora"
 BUNDLE_NAME = "Ovra Tessel Lumora.app"
 KEYCHAIN = "Library/Keychains/System.keychain"
 ALARMED = "import os, signal, sys; signal.alarm(int(sys.argv[1])); os.execvp(sys.argv[2], sys.argv[2:])"
+
+
+def in_quartz_session():
+    """What a manager's name does not tell: a process may have been called into the session of the user at the screen."""
+    try:
+        graphics = ctypes.CDLL("/System/Library/Frameworks/CoreGraphics.framework/CoreGraphics")
+    except OSError:
+        return False
+    graphics.CGSessionCopyCurrentDictionary.restype = ctypes.c_void_p
+    return graphics.CGSessionCopyCurrentDictionary() is not None
 
 
 class Mac:
@@ -57,7 +68,7 @@ class Mac:
     def has_window_server(self):
         """An ssh session or a daemon's has none, whoever's it is."""
         try:
-            return self.run("launchctl", "managername").decode().strip() == "Aqua"
+            return self.run("launchctl", "managername").decode().strip() == "Aqua" or in_quartz_session()
         except ToolFailed:
             return False
 
