@@ -1,3 +1,4 @@
+#include "support/temporary_folder.h"
 #include "support/test_server.h"
 #include "view_test.h"
 
@@ -79,6 +80,19 @@ TEST_F(SlowLoads, aPageThatHasAllComeWaitsForItsPicturesAsLongAsTheyTake) {
     ASSERT_TRUE(waitForTitle("whole"));
     runFor(1300ms);
     EXPECT_EQ(delegate.reportedFailures(), 0U);
+}
+
+TEST_F(SlowLoads, itIsTheSameWhereThePagesProcessChangesAndForAPlaceInThePage) {
+    const TemporaryFolder folder;
+    writeFile(folder.path() / "Offline.html", "<title>offline</title>");
+    view.loadFile((folder.path() / "Offline.html").string(), folder.path().string());
+    ASSERT_TRUE(waitForTitle("offline"));
+    for (const std::string& url : {slowServer.url("/page"), foreign() + "#place"}) {
+        load(url, 1s);
+        ASSERT_TRUE(runUntil([&] { return title() == "whole" && valueOf("location.href") == url; }));
+        runFor(1300ms);
+        EXPECT_EQ(delegate.reportedFailures(), 0U) << url;
+    }
 }
 
 TEST_F(SlowLoads, aStalledPageTimesOutOnceThoughItTriesToLeave) {

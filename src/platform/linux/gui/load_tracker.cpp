@@ -49,8 +49,8 @@ void LoadTracker::finished() {
         phase_ = Phase::idle;
 }
 
-bool LoadTracker::endedUnbegun() {
-    if (phase_ != Phase::decided || !asked_.empty())
+bool LoadTracker::arrivedUnbegun(const std::string& uri) {
+    if (phase_ != Phase::decided || !asked_.empty() || uri != awaited_)
         return false;
     phase_ = Phase::idle;
     awaited_.clear();

@@ -37,9 +37,9 @@ class LoadTracker {
     void committed();
     void finished();
 
-    /// The engine loads nothing any more.
+    /// The engine loads nothing any more, and the page that stands has this address.
     /// @return whether the host's newest load, now over, led to another place in the page that stood.
-    [[nodiscard]] bool endedUnbegun();
+    [[nodiscard]] bool arrivedUnbegun(const std::string& uri);
 
     [[nodiscard]] Verdict failed(FailureKind kind, const std::string& uri);
 

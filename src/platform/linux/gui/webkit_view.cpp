@@ -156,10 +156,11 @@ void WebKitView::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointe
 // Of a place in the page that stands nothing else is told.
 void WebKitView::loadingChanged(WebKitWebView* view, GParamSpec*, gpointer data) {
     auto* self = static_cast<WebKitView*>(data);
-    if (webkit_web_view_is_loading(view) != FALSE || !self->tracker_.endedUnbegun())
+    const std::string uri = textOf(webkit_web_view_get_uri(view));
+    if (webkit_web_view_is_loading(view) != FALSE || !self->tracker_.arrivedUnbegun(uri))
         return;
     self->watch_.end();
-    self->committed_ = textOf(webkit_web_view_get_uri(view));
+    self->committed_ = uri;
 }
 
 void WebKitView::pageStands(const std::string& uri) {
