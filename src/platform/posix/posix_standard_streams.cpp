@@ -5,22 +5,23 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 
 namespace lumora::platform::posix_backend {
 
 namespace {
 
-constexpr std::size_t kOutput = 1;
-constexpr std::size_t kError = 2;
 constexpr int kNoTimeout = -1;
 constexpr mode_t kNewFileMode = 0666; // as fopen creates: the umask takes its part
 
-// Puts the descriptor's file under the number if that is free; a number that is taken stays untouched.
-bool claimNumber(int descriptor, int number) {
-    const int got = ::fcntl(descriptor, F_DUPFD, number); // the lowest free one from there on
-    if (got >= 0 && got != number)
-        ::close(got);
-    return got == number;
+// In one step, so that nobody else's file or socket gets the number meanwhile: freopen closes it first on some systems. The
+// C library's stream knows the number alone, and follows.
+bool putUnder(int number, int descriptor) {
+    int result = -1;
+    do
+        result = ::dup2(descriptor, number);
+    while (result < 0 && (errno == EINTR || errno == EBUSY));
+    return result == number;
 }
 
 // A started process may lack streams; the next file or socket it opens would then take their numbers.
@@ -50,20 +51,17 @@ void writeWhole(int number, std::string_view text) {
 
 } // namespace
 
-PosixStandardStreams::PosixStandardStreams()
-    : null_(openNullAboveStreams()), streams_{{{stdin, STDIN_FILENO, STDIN_FILENO},
-                                               {stdout, STDOUT_FILENO, STDOUT_FILENO},
-                                               {stderr, STDERR_FILENO, STDERR_FILENO}}} {
+PosixStandardStreams::PosixStandardStreams() : null_(openNullAboveStreams()) {
     std::setvbuf(stdout, nullptr, _IONBF, 0);
 }
 
-void PosixStandardStreams::writeError(std::string_view text) { write(kError, text); }
+void PosixStandardStreams::writeError(std::string_view text) { write(STDERR_FILENO, text); }
 
-void PosixStandardStreams::writeOutput(std::string_view text) { write(kOutput, text); }
+void PosixStandardStreams::writeOutput(std::string_view text) { write(STDOUT_FILENO, text); }
 
-void PosixStandardStreams::write(std::size_t index, std::string_view text) {
+void PosixStandardStreams::write(int number, std::string_view text) {
     const std::lock_guard lock(mutex_);
-    if (const int number = streams_[index].writeTo; number >= 0)
+    if (isOpen_[static_cast<std::size_t>(number)])
         writeWhole(number, text);
 }
 
@@ -74,42 +72,13 @@ void PosixStandardStreams::withWritersHeld(const std::function<void()>& section)
 
 void PosixStandardStreams::reopenAll(const std::string& path) {
     const std::lock_guard lock(mutex_);
-    // freopen closes a stream before it knows whether the path opens. Asking first keeps the usual failures
-    // (missing folder, no rights, full disk) from ever closing one.
-    const UniqueFd probe(::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, kNewFileMode));
-    for (Stream& stream : streams_) {
-        if (!probe || !reopen(stream, path))
-            hold(stream);
+    const UniqueFd file(::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, kNewFileMode));
+    for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        bool& isOpen = isOpen_[static_cast<std::size_t>(number)];
+        isOpen = file && putUnder(number, file.get());
+        if (!isOpen)
+            putUnder(number, null_.get());
     }
-}
-
-bool PosixStandardStreams::reopen(Stream& stream, const std::string& path) const {
-    if (std::freopen(path.c_str(), "a+", stream.file) == nullptr) {
-        // The number was closed. Another thread may have taken it already and must not be disturbed then.
-        stream.ownsNumber = claimNumber(null_.get(), stream.number);
-        return false;
-    }
-    std::setvbuf(stream.file, nullptr, _IONBF, 0);
-
-    stream.writeTo = ::fileno(stream.file);
-    if (stream.writeTo == stream.number)
-        return true;
-    // The stream comes back from a failure that closed it, under another number.
-    if (stream.ownsNumber)
-        stream.ownsNumber = ::dup2(stream.writeTo, stream.number) == stream.number;
-    else
-        stream.ownsNumber = claimNumber(stream.writeTo, stream.number);
-    if (stream.ownsNumber)
-        stream.writeTo = stream.number;
-    return true;
-}
-
-void PosixStandardStreams::hold(Stream& stream) const {
-    stream.writeTo = -1;
-    if (stream.ownsNumber)
-        ::dup2(null_.get(), stream.number);
-    if (const int number = ::fileno(stream.file); number >= 0 && number != stream.number)
-        ::dup2(null_.get(), number);
 }
 
 } // namespace lumora::platform::posix_backend
