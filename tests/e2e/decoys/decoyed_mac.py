@@ -30,6 +30,7 @@ case "$1" in
   unsetenv) rm -f "$MAC/variable-$2" ;;
 esac""",
     "dscacheutil": "true",
+    "scutil": 'printf "<dictionary> {\\n  HTTPSEnable : %s\\n}\\n" "$(cat "$MAC/proxy" 2>/dev/null || echo 0)"',
     "killall": "exit 1",
     # The system's own: the decoyed Mac has no other processes than these.
     "ps": 'cat "$MAC/processes" 2>/dev/null || true',

@@ -332,6 +332,10 @@ class Refusals(MacWorld):
         self.mac.put_preferences(f"Library/Managed Preferences/{DOMAIN}.plist", {"DC": "com"})
         self.assert_refused("is managed")
 
+    def test_behind_a_proxy(self):
+        (self.mac.root / "proxy").write_text("1")
+        self.assert_refused("by a proxy")
+
     def test_for_a_managed_user(self):
         self.mac.put_preferences(f"Library/Managed Preferences/home/{DOMAIN}.plist", {"DC": "com"})
         self.assert_refused("is managed")

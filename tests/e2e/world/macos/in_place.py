@@ -51,6 +51,8 @@ def refusal(mac):
     running = mac.product_processes()
     if running:
         return f"{next(iter(running.values()))} is running here: quit it first"
+    if mac.uses_proxy():
+        return "this Mac reaches its servers by a proxy: turn it off in its network settings"
     if not mac.may_install():
         return f"{mac.root / 'Applications'} is not this user's to install into"
     return None

@@ -4,6 +4,7 @@ import ctypes
 import os
 import pathlib
 import plistlib
+import re
 import sys
 
 from changes import ToolFailed, run
@@ -71,6 +72,11 @@ class Mac:
             return self.run("launchctl", "managername").decode().strip() == "Aqua" or in_quartz_session()
         except ToolFailed:
             return False
+
+    def uses_proxy(self):
+        """It, not the list of hosts, would then say where a name leads."""
+        told = self.run("scutil", "--proxy", check=False).decode(errors="replace")
+        return re.search(r"\b(HTTPS|SOCKS|ProxyAutoConfig)Enable : 1\b", told) is not None
 
     def may_install(self):
         return os.access(self.root / "Applications", os.W_OK)
