@@ -1,6 +1,7 @@
 #include "platform/macos/web/web_delegate.h"
 
 #include "platform/macos/foundation/text.h"
+#include "webhost/server_trust.h"
 
 #import <Security/Security.h>
 
@@ -13,6 +14,9 @@ namespace {
 
 static_assert(WKNavigationTypeLinkActivated == static_cast<int>(NavigationType::linkActivated) &&
               WKNavigationTypeFormResubmitted == static_cast<int>(NavigationType::formResubmitted));
+static_assert(NSURLSessionAuthChallengeUseCredential == static_cast<int>(ChallengeAnswer::useCredential) &&
+              NSURLSessionAuthChallengeCancelAuthenticationChallenge ==
+                  static_cast<int>(ChallengeAnswer::cancel));
 
 NavigationAction describe(WKNavigationAction* action) {
     const bool isOther = action.navigationType == WKNavigationTypeOther;
@@ -94,18 +98,17 @@ LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge cons
                         (void (^)(NSURLSessionAuthChallengeDisposition, NSURLCredential*))completionHandler {
     NSURLProtectionSpace* space = challenge.protectionSpace;
     SecTrustRef trust = space.serverTrust;
-    if (![space.authenticationMethod isEqualToString:NSURLAuthenticationMethodServerTrust] ||
-        trust == nullptr) {
-        completionHandler(NSURLSessionAuthChallengePerformDefaultHandling, nil);
-        return;
-    }
-    CFErrorRef failure = nullptr;
-    if (SecTrustEvaluateWithError(trust, &failure)) {
-        completionHandler(NSURLSessionAuthChallengeUseCredential, [NSURLCredential credentialForTrust:trust]);
-        return;
-    }
-    host->didFailServerTrust(errorOf((__bridge_transfer NSError*)failure));
-    completionHandler(NSURLSessionAuthChallengeCancelAuthenticationChallenge, nil);
+    const auto evaluate = [trust]() -> std::optional<Error> {
+        CFErrorRef failure = nullptr;
+        if (SecTrustEvaluateWithError(trust, &failure))
+            return std::nullopt;
+        return errorOf((__bridge_transfer NSError*)failure);
+    };
+    const bool isOfServer = [space.authenticationMethod isEqualToString:NSURLAuthenticationMethodServerTrust];
+    const ChallengeAnswer answer = answerTo({isOfServer, trust != nullptr, evaluate}, *host);
+    completionHandler(static_cast<NSURLSessionAuthChallengeDisposition>(answer),
+                      answer == ChallengeAnswer::useCredential ? [NSURLCredential credentialForTrust:trust]
+                                                               : nil);
 }
 
 @end
