@@ -36,9 +36,11 @@ inline NSArray<NSString*>* listOf(const std::vector<std::string>& texts) {
 
 /// A platform error as the core's; nil, which no failure should give, is one without domain.
 inline Error errorOf(NSError* error) {
-    NSURL* failing = [error.userInfo objectForKey:NSURLErrorFailingURLErrorKey];
+    NSString* failing = [error.userInfo objectForKey:NSURLErrorFailingURLStringErrorKey];
+    if (failing == nil) // told as an address alone
+        failing = [[error.userInfo objectForKey:NSURLErrorFailingURLErrorKey] absoluteString];
     return {textOf(error.domain), static_cast<int>(error.code), textOf(error.localizedDescription),
-            failing == nil ? std::nullopt : std::optional(textOf(failing.absoluteString))};
+            failing == nil ? std::nullopt : std::optional(textOf(failing))};
 }
 
 } // namespace lumora::platform::macos_backend
