@@ -15,6 +15,23 @@ namespace {
 
 constexpr int kWaiting = 16;
 
+// An asker that has left is no reason for the application to end.
+void blockBrokenPipe() {
+    sigset_t set{};
+    sigemptyset(&set);
+    sigaddset(&set, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+}
+
+// Where that signal is the process's, whatever this thread blocks. On both ends of an accept: a connection refuses it
+// once its asker has left, and has it then from the socket that it comes from.
+void sendNoSignal([[maybe_unused]] int socket) {
+#ifdef SO_NOSIGPIPE
+    const int on = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof(on));
+#endif
+}
+
 int listenAt(const std::string& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -60,15 +77,13 @@ void serveLines(const std::string& path,
     const int server = listenAt(path);
     if (server < 0)
         return;
-    // Only for this thread: an asker that has left is no reason for the application to end.
-    sigset_t set{};
-    sigemptyset(&set);
-    sigaddset(&set, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    blockBrokenPipe();
+    sendNoSignal(server);
     for (;;) {
         int connection = ::accept(server, nullptr, nullptr);
         if (connection < 0)
             continue;
+        sendNoSignal(connection);
         handle(readLine(connection), [&connection](const std::string& text) {
             writeAll(connection, text);
             ::close(connection);
