@@ -25,7 +25,7 @@ void ViewController::loadJoinPageURl() {
         loadMisconfigurationPage();
         return;
     }
-    reloadAttempted_ = false;
+    reloadOnce_.renew();
     revival_.reset();
     webView().load(joinRequest(*url));
 }

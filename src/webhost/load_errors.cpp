@@ -6,8 +6,6 @@
 #include "webhost/local_pages.h"
 #include "webhost/view_controller.h"
 
-#include <utility>
-
 namespace lumora {
 
 void ViewController::didFailProvisionalNavigation(const platform::Error& error) { handleWebViewError(error); }
@@ -41,25 +39,14 @@ void ViewController::handleWebViewError(const platform::Error& error) {
                 loadMisconfigurationPage();
             return;
         }
-        if (showsPages)
-            reloadOnce(url, error);
+        if (showsPages && reloadOnce_.allowsAfter(error.failingUrl))
+            webView().load(joinRequest(url));
     }
     // Right after the reload: the customer sees this page while the reload is pending.
     if (showsPages)
         loadStaticNoInternetPage();
     NetworkMonitor::shared().startMonitoringReachability(url);
     print("URL NetTest : {}", url);
-}
-
-void ViewController::reloadOnce(const std::string& url, const platform::Error& error) {
-    // Of many that the customer asks for nothing is heard again: they are a frame's, or never begin.
-    if (customersAddress_ && error.failingUrl == std::exchange(customersAddress_, std::nullopt))
-        reloadAttempted_ = false;
-    // An engine may report this reload as failed when the offline page takes its place. Another reload then would
-    // go round for ever.
-    if (std::exchange(reloadAttempted_, true))
-        return;
-    webView().load(joinRequest(url));
 }
 
 } // namespace lumora

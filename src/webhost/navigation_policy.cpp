@@ -50,7 +50,7 @@ platform::NavigationPolicy ViewController::decidePolicyFor(const platform::Navig
     switch (judgeNavigation(action, server)) {
     case NavigationVerdict::allow:
         if (action.type != NavigationType::reload && action.type != NavigationType::other)
-            customersAddress_ = action.url;
+            reloadOnce_.customerGoesTo(action.url);
         return platform::NavigationPolicy::allow;
     case NavigationVerdict::openDeepLink:
         handleDeepLink(*action.url);

@@ -23,10 +23,8 @@ void ViewController::webContentProcessDidTerminate(const std::string& url) {
         reviveLocalPage(isOfflinePage(url) ? kNoInternetPage : kMisconfigurationPage);
         return;
     }
-    if (!reloadsAfterLoss_.allowsAt(now_())) {
-        reloadAttempted_ = true; // it would only die again: the offline page stays until the monitor restores
-        customersAddress_.reset();
-    }
+    if (!reloadsAfterLoss_.allowsAt(now_()))
+        reloadOnce_.refuse(); // it would only die again: the offline page stays until the monitor restores
     didFailNavigation(processTerminated(url));
 }
 

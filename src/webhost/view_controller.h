@@ -4,6 +4,7 @@
 #include "bridge/native_message_handler.h"
 #include "platform/main_loop.h"
 #include "platform/web_view.h"
+#include "webhost/reload_once.h"
 #include "webhost/revival_limit.h"
 
 #include <functional>
@@ -15,8 +16,8 @@ namespace lumora {
 
 /// The content of the application's only window: decides which page it shows, answers the web view's questions, and
 /// connects the page with the bridge and the network monitor. It caches nothing: every operation reads the session
-/// record afresh. Its sources: join_page.cpp, navigation_policy.cpp, load_errors.cpp, process_loss.cpp,
-/// deep_links.cpp. Main thread.
+/// record afresh. What it remembers keeps failures from going round for ever. Its sources: join_page.cpp,
+/// navigation_policy.cpp, load_errors.cpp, process_loss.cpp, deep_links.cpp. Main thread.
 class ViewController final : public platform::WebViewDelegate,
                              public NativeMessageHandlerDelegate,
                              public NetworkMonitorDelegate {
@@ -71,11 +72,9 @@ class ViewController final : public platform::WebViewDelegate,
     void showResourcePage(std::string name);
     void reviveLocalPage(std::string page);
     void showRevived(std::string page);
-    void reloadOnce(const std::string& url, const platform::Error& error);
 
     std::unique_ptr<platform::WebView> webView_;
-    bool reloadAttempted_ = false;                ///< the failed load has had its one reload
-    std::optional<std::string> customersAddress_; ///< of their newest navigation, a load of its own
+    ReloadOnce reloadOnce_; ///< of failed loads
     std::function<Clock::time_point()> now_;
     RevivalLimit reloadsAfterLoss_; ///< of pages whose process died, as failed loads
     RevivalLimit revivals_;         ///< of local pages that died again at once
