@@ -139,6 +139,19 @@ TEST_F(FileManagerContract, copyOfNothingOrIntoNowhereFails) {
     EXPECT_FALSE(fs::exists(home_ + "/copy"));
 }
 
+TEST_F(FileManagerContract, aPathThatHoldsANulIsNoShorterOne) {
+    const std::string cut = home_ + "/source" + '\0' + "more";
+    EXPECT_EQ(EINVAL, errnoOf(files_.createDirectoryWithIntermediates(cut).error()));
+    EXPECT_FALSE(fs::exists(home_ + "/source"));
+
+    writeFile(home_ + "/source", "");
+    EXPECT_FALSE(files_.fileExists(cut));
+    EXPECT_EQ(EINVAL, errnoOf(files_.copyItem(cut, home_ + "/copy").error()));
+    EXPECT_EQ(EINVAL, errnoOf(files_.removeItem(cut).error()));
+    EXPECT_TRUE(fs::exists(home_ + "/source"));
+    EXPECT_FALSE(fs::exists(home_ + "/copy"));
+}
+
 TEST_F(FileManagerContract, aFolderIsNotCopiedIntoItself) {
     fs::create_directories(home_ + "/folder/inner");
     fs::create_symlink("folder/inner", home_ + "/way-in");

@@ -45,10 +45,12 @@ std::string FoundationFileManager::libraryDirectory() {
 }
 
 bool FoundationFileManager::fileExists(const std::string& path) {
-    return atPort([&]() -> bool { return [manager() fileExistsAtPath:nsString(path)]; });
+    return atPort([&]() -> bool { return resolved(path) && [manager() fileExistsAtPath:nsString(path)]; });
 }
 
 Result<void> FoundationFileManager::createDirectoryWithIntermediates(const std::string& path) {
+    if (const auto place = resolved(path); !place)
+        return place.error();
     return attempt([&](NSError** error) {
         return [manager() createDirectoryAtPath:nsString(path)
                     withIntermediateDirectories:YES
@@ -58,6 +60,10 @@ Result<void> FoundationFileManager::createDirectoryWithIntermediates(const std::
 }
 
 Result<void> FoundationFileManager::copyItem(const std::string& source, const std::string& destination) {
+    for (const std::string& path : {source, destination}) {
+        if (const auto place = resolved(path); !place)
+            return place.error();
+    }
     return attempt([&](NSError** error) {
         NSString* copy = besides(entryAt(destination));
         const bool copied = [manager() copyItemAtPath:entryAt(source) toPath:copy error:error] &&
