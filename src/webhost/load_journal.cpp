@@ -19,6 +19,7 @@ void LoadJournal::hostLoads(Navigation navigation, std::string address, std::str
         replace(hosts_); // the engine never comes to begin it
     replaced_.erase(navigation);
     hosts_ = navigation;
+    hostsMayBegin_ = false;
     awaited_ = std::move(address);
     written_ = std::move(written);
 }
@@ -37,15 +38,21 @@ void LoadJournal::policyDecided(const std::string& address, bool allowed) {
     policyCancelled_ = !allowed;
     if (hosts_ == nullptr || address != awaited_)
         return;
-    if (!allowed)
+    if (!allowed) {
         forgetHosts();
-    else if (underWay_ != hosts_)
+        return;
+    }
+    hostsMayBegin_ = true;
+    if (underWay_ != hosts_)
         replace(underWay_); // the engine stops it from now on
 }
 
 void LoadJournal::started(Navigation navigation) {
     policyCancelled_ = false;
     underWay_ = navigation;
+    // It is over without having begun: it only led to another place in the page that stands.
+    if (hostsMayBegin_ && navigation != hosts_)
+        forgetHosts();
 }
 
 void LoadJournal::committed(Navigation navigation, std::string address) {
@@ -82,6 +89,7 @@ void LoadJournal::replace(Navigation navigation) {
 
 void LoadJournal::forgetHosts() {
     hosts_ = nullptr;
+    hostsMayBegin_ = false;
     awaited_.clear();
     written_.clear();
 }

@@ -52,6 +52,7 @@ class LoadJournal {
     void forgetHosts();
 
     Navigation hosts_ = nullptr;    ///< the host's newest, until it is shown, refused or fails
+    bool hostsMayBegin_ = false;    ///< the policy has allowed it
     Navigation underWay_ = nullptr; ///< the newest that began, of anyone
     std::string awaited_;
     std::string written_; ///< the awaited one as the host wrote it

@@ -46,6 +46,9 @@ class InfoPropertyList(unittest.TestCase):
     def test_explains_why_it_sends_apple_events(self):
         self.assertGreater(len(self.info["NSAppleEventsUsageDescription"]), 20)
 
+    def test_explains_why_it_reads_a_mounted_image(self):
+        self.assertIn("disk image", self.info["NSRemovableVolumesUsageDescription"])
+
     def test_loosens_transport_security_for_links_of_the_page_only(self):
         """A link may lead to any site; the application's own requests stay as protected as the system has them."""
         self.assertEqual({"NSAllowsArbitraryLoadsInWebContent": True}, self.info["NSAppTransportSecurity"])

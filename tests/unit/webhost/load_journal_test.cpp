@@ -182,6 +182,27 @@ TEST_F(LoadJournals, theNewestIsTheAwaitedPageOrTheOneThatStands) {
     EXPECT_EQ(journal.newest(), "file:///page");
 }
 
+TEST_F(LoadJournals, aPlaceInThePageThatStandsIsAwaitedUntilAnotherLoadBegins) {
+    stands(first, "https://one/");
+    journal.hostLoads(second, "https://one/#place", "https://one/#place");
+    journal.policyDecided("https://one/#place", true); // the engine neither begins nor commits it
+    journal.policyDecided("https://link/", true);
+    journal.started(third);
+    journal.committed(third, "https://link/");
+    EXPECT_EQ(journal.newest(), "https://link/");
+    EXPECT_EQ(journal.processEnded(), "https://link/");
+}
+
+TEST_F(LoadJournals, theHostsLoadIsAwaitedWhileThePolicyIsStillToDecideIt) {
+    stands(first, "https://one/");
+    journal.hostLoads(second, "https://two/", "https://two/");
+    journal.started(third); // of the page's own, a moment before
+    EXPECT_EQ(journal.awaited(), "https://two/");
+    journal.policyDecided("https://two/", true);
+    journal.started(second);
+    EXPECT_EQ(journal.awaited(), "https://two/");
+}
+
 TEST_F(LoadJournals, aDeadProcessLosesTheAwaitedPageOrTheOneThatStood) {
     EXPECT_EQ(journal.processEnded(), "");
     stands(first, "file:///page");
