@@ -56,6 +56,13 @@ class DebianPackage(unittest.TestCase):
         self.assertNotIn(".symtab", sections)
         self.assertIn("AppDelegate", release.output("nm", "--dynamic", "--demangle", "--defined-only", program))
 
+    def test_programs_are_hardened(self):
+        for program in sorted((self.root / BUNDLE / "Contents/MacOS").iterdir()):
+            flags = release.output("readelf", "--dynamic", "--wide", program)
+            self.assertRegex(flags, r"FLAGS_1\).*NOW.*PIE", program.name)
+            self.assertIn("GNU_RELRO", release.output("readelf", "--program-headers", "--wide", program), program.name)
+            self.assertIn("__stack_chk_fail", release.output("nm", "--dynamic", "--undefined-only", program), program.name)
+
     def test_command_is_the_bundles_program(self):
         text = (self.root / "usr/bin/ovra-tessel-lumora").read_text(encoding="ascii")
         program = f"/Applications/{release.NAME}.app/Contents/MacOS/{release.NAME}"
