@@ -1,6 +1,8 @@
 """By mounts in the private world, which hold root too."""
 
+import pathlib
 import subprocess
+import tempfile
 
 from harness.undoing import undone_once
 
@@ -19,8 +21,15 @@ def _unmount(path):
 def read_only(case, path):
     if not path.exists():
         path.mkdir(parents=True)
-    _mount_upon(path)
-    subprocess.run(["mount", "-o", "remount,bind,ro", path], check=True)
+    # Made read-only aside: a mount in which a program has a file open to write refuses to become so.
+    aside = pathlib.Path(tempfile.mkdtemp())
+    if not path.is_dir():
+        aside.rmdir()
+        aside.touch()
+    for words in (["mount", "--bind", path, aside], ["mount", "-o", "remount,bind,ro", aside],
+                  ["mount", "--bind", aside, path], ["umount", aside]):
+        subprocess.run(words, check=True)
+    aside.rmdir() if aside.is_dir() else aside.unlink()
     return undone_once(case, _unmount(path))
 
 
