@@ -7,7 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace lumora::contract {
 namespace {
@@ -55,6 +58,24 @@ class LinuxPreferencesContract : public testing::Test {
     TemporaryFolder folder_;
     PreferenceFolders folders_;
     platform::linux_backend::LinuxPropertyLists lists_;
+};
+
+/// Leaves this process only so many more file descriptors.
+class FewDescriptors {
+  public:
+    explicit FewDescriptors(rlim_t count) {
+        ::getrlimit(RLIMIT_NOFILE, &previous_);
+        const int next = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        ::close(next);
+        const rlimit few{static_cast<rlim_t>(next) + count, previous_.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &few);
+    }
+    ~FewDescriptors() { ::setrlimit(RLIMIT_NOFILE, &previous_); }
+    FewDescriptors(const FewDescriptors&) = delete;
+    FewDescriptors& operator=(const FewDescriptors&) = delete;
+
+  private:
+    rlimit previous_{};
 };
 
 TEST(LaunchArguments, pairsGiveStrings) {
@@ -201,6 +222,45 @@ TEST_F(LinuxPreferencesContract, aTextThatXmlCannotCarryKeepsNoOtherValueFromThe
 
     EXPECT_THAT(stored(folders_.user), UnorderedElementsAre(Pair("good", PropertyListValue("text"))));
     EXPECT_EQ(PropertyListValue(std::string("a\0b", 3)), preferences.objectForKey("bad"));
+}
+
+TEST_F(LinuxPreferencesContract, anEnormousTextKeepsNoOtherValueFromTheDisk) {
+    store(folders_.user, {{"LumoraToken", "token"}});
+    auto preferences = make();
+    const std::string enormous(5 << 20, 'x');
+    preferences.setObject("WindowTitle", enormous);
+    preferences.setObject("name", "Ann");
+    preferences.synchronize();
+
+    EXPECT_THAT(stored(folders_.user), UnorderedElementsAre(Pair("LumoraToken", PropertyListValue("token")),
+                                                            Pair("name", PropertyListValue("Ann"))));
+    EXPECT_EQ(PropertyListValue(enormous), preferences.objectForKey("WindowTitle"));
+    EXPECT_EQ(PropertyListValue("token"), make().objectForKey("LumoraToken"));
+
+    preferences.setObject("WindowTitle", "short");
+    preferences.synchronize();
+    EXPECT_EQ(PropertyListValue("short"), make().objectForKey("WindowTitle"));
+}
+
+TEST_F(LinuxPreferencesContract, aFileThatCannotBeOpenedNowIsNoDamagedOne) {
+    store(folders_.user, {{"k", "v"}});
+    auto preferences = make();
+    ASSERT_EQ(PropertyListValue("v"), preferences.objectForKey("k"));
+    {
+        const FewDescriptors none(0);
+        EXPECT_EQ(PropertyListValue("v"), preferences.objectForKey("k"));
+    }
+    {
+        const FewDescriptors forTheLockAlone(1);
+        preferences.setObject("l", "w");
+        preferences.synchronize();
+    }
+    EXPECT_THAT(stored(folders_.user), UnorderedElementsAre(Pair("k", PropertyListValue("v"))));
+
+    preferences.synchronize();
+    EXPECT_THAT(stored(folders_.user),
+                UnorderedElementsAre(Pair("k", PropertyListValue("v")), Pair("l", PropertyListValue("w"))));
+    EXPECT_FALSE(fs::exists(fileIn(folders_.user) + ".damaged-1"));
 }
 
 } // namespace

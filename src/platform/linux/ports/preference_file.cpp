@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -26,7 +27,7 @@ using posix_backend::TemporarySibling;
 using posix_backend::UniqueFd;
 using posix_backend::writeAll;
 
-constexpr off_t kMaximumSize = 4 << 20; // real preference files have some kilobytes
+constexpr std::size_t kMaximumSize = 4 << 20; // real preference files have some kilobytes
 constexpr int kMaximumDamagedFiles = 100;
 constexpr std::time_t kClockGranularity = 1; // seconds, generously: file systems' clocks tick in milliseconds
 
@@ -34,11 +35,21 @@ bool isSameTime(const timespec& a, const timespec& b) {
     return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
 }
 
-/// Absent when it cannot be read whole or is no regular file of a sane size.
+/// Whether an error tells of the moment rather than of the file: short of descriptors or memory, a server out of reach.
+bool isPassing(int error) {
+    constexpr std::array kPassing{EMFILE, ENFILE, ENOMEM, EINTR, EAGAIN, EIO, ESTALE, ETIMEDOUT};
+    return std::find(kPassing.begin(), kPassing.end(), error) != kPassing.end();
+}
+
+/// Absent, with errno set, when it cannot be read whole or is no regular file of a sane size.
 std::optional<std::string> readWhole(int descriptor) {
     struct stat status {};
-    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kMaximumSize)
+    if (::fstat(descriptor, &status) != 0)
         return std::nullopt;
+    if (!S_ISREG(status.st_mode) || status.st_size > off_t{kMaximumSize}) {
+        errno = EFBIG;
+        return std::nullopt;
+    }
     std::string bytes;
     std::array<char, 16384> chunk{};
     for (;;) {
@@ -86,14 +97,14 @@ PreferenceFile::Stamp PreferenceFile::stampNow() const {
 PreferenceFile::Contents PreferenceFile::load() const {
     // Without waiting: someone may have put a pipe there.
     const UniqueFd file(::open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    if (!file)
-        return {{}, errno != ENOENT && errno != ENOTDIR};
-    const auto bytes = readWhole(file.get());
+    if (!file && (errno == ENOENT || errno == ENOTDIR))
+        return {};
+    const auto bytes = file ? readWhole(file.get()) : std::nullopt;
     if (!bytes)
-        return {{}, true};
+        return {{}, isPassing(errno) ? State::unreadableNow : State::damaged};
     const auto list = propertyLists_.parse(*bytes);
     const auto* dictionary = list ? list.value().as<PropertyListDictionary>() : nullptr;
-    return dictionary == nullptr ? Contents{{}, true} : Contents{*dictionary, false};
+    return dictionary == nullptr ? Contents{{}, State::damaged} : Contents{*dictionary};
 }
 
 const PropertyListDictionary& PreferenceFile::current() {
@@ -101,7 +112,12 @@ const PropertyListDictionary& PreferenceFile::current() {
         stampNow(); // before reading: a change meanwhile makes the stamp old, never the contents
     if (stamp_ && *stamp_ == stamp)
         return cached_;
-    cached_ = load().dictionary;
+    Contents contents = load();
+    if (contents.state == State::unreadableNow) {
+        stamp_.reset();
+        return cached_;
+    }
+    cached_ = std::move(contents.dictionary);
     // Two writes within one tick of the file system's clock can leave equal stamps, so a young file is not trusted.
     if (stamp.exists && std::time(nullptr) - stamp.changed.tv_sec <= kClockGranularity)
         stamp_.reset();
@@ -122,9 +138,11 @@ bool PreferenceFile::flush() {
         return false;
 
     Contents contents = load();
+    if (contents.state == State::unreadableNow)
+        return false;
     const bool complete = mergeInto(contents.dictionary);
-    const auto xml = propertyLists_.serializeXml(contents.dictionary);
-    if (!xml || (contents.damaged && !moveDamagedFileAside()) || !write(xml.value()))
+    const auto bytes = bytesOf(contents.dictionary);
+    if (!bytes || (contents.state == State::damaged && !moveDamagedFileAside()) || !write(*bytes))
         return false;
     stamp_.reset();
     if (complete)
@@ -132,12 +150,23 @@ bool PreferenceFile::flush() {
     return complete;
 }
 
-// A text that XML cannot carry must not keep the other values from the disk; it lives as long as the process.
+/// The file's bytes; absent when it could not be read again.
+std::optional<std::string> PreferenceFile::bytesOf(const PropertyListDictionary& dictionary) const {
+    auto xml = propertyLists_.serializeXml(dictionary);
+    if (!xml || xml.value().size() > kMaximumSize || !propertyLists_.parse(xml.value()))
+        return std::nullopt;
+    return std::move(xml.value());
+}
+
+// A text that XML cannot carry, or an enormous one, must not keep the other values from the disk; it lives as long as the
+// process.
 bool PreferenceFile::mergeInto(PropertyListDictionary& dictionary) const {
     bool complete = true;
     for (const auto& [key, value] : pending_) {
-        if (propertyLists_.serializeXml(PropertyListDictionary{{key, value}}))
-            dictionary.insert_or_assign(key, value);
+        PropertyListDictionary changed = dictionary;
+        changed.insert_or_assign(key, value);
+        if (bytesOf(changed))
+            dictionary = std::move(changed);
         else
             complete = false;
     }

@@ -14,7 +14,8 @@ namespace lumora::platform::linux_backend {
 ///
 /// Several threads and processes share the file: every write takes a lock, reads what stands, changes its own keys and
 /// renames a finished file into place, and every read sees what others have written since. A file that is malformed,
-/// unreadable or too large counts as empty; it is moved aside, not lost, when it must be written over.
+/// forbidden or too large counts as empty; it is moved aside, not lost, when it must be written over. One that merely cannot
+/// be read now, for want of descriptors, say, stays: it counts as what it last held, and a write waits for a later flush.
 class PreferenceFile {
   public:
     /// @param mode  the file's permissions, whatever the umask
@@ -26,7 +27,7 @@ class PreferenceFile {
     void set(const std::string& key, const PropertyListValue& value);
 
     /// Brings what was set to the disk. False when it cannot be written; it then stays set in this process and the
-    /// next flush tries again.
+    /// next flush tries again. So does alone what has no XML form, or would make the file too large to be read again.
     bool flush();
 
   private:
@@ -42,9 +43,11 @@ class PreferenceFile {
         [[nodiscard]] bool operator==(const Stamp& other) const;
     };
 
+    enum class State { sound, damaged, unreadableNow };
+
     struct Contents {
         PropertyListDictionary dictionary;
-        bool damaged = false;
+        State state = State::sound;
     };
 
     [[nodiscard]] Stamp stampNow() const;
@@ -52,6 +55,7 @@ class PreferenceFile {
     [[nodiscard]] const PropertyListDictionary& current();
     [[nodiscard]] bool moveDamagedFileAside() const;
     [[nodiscard]] bool write(const std::string& bytes) const;
+    [[nodiscard]] std::optional<std::string> bytesOf(const PropertyListDictionary& dictionary) const;
     [[nodiscard]] bool mergeInto(PropertyListDictionary& dictionary) const;
 
     const std::string path_;
