@@ -184,6 +184,10 @@ TEST_F(PropertyListsContract, textThatXmlCannotCarryIsAnError) {
     EXPECT_FALSE(lists_.serializeXml(PropertyListDate{std::nan("")}));
 }
 
+TEST_F(PropertyListsContract, aByteOrderMarkIsNoFault) {
+    EXPECT_EQ(PropertyListValue("text"), parsed("\xEF\xBB\xBF" + document("<string>text</string>")));
+}
+
 TEST_F(PropertyListsContract, malformedXmlIsAnError) {
     for (const std::string& bytes :
          {std::string(), std::string("junk"), std::string("{\"a\":1}"),
@@ -220,6 +224,13 @@ TEST_F(PropertyListsContract, deepNestingIsAnErrorInBothDirectionsAndBothForms) 
     for (int level = 0; level < 200000; ++level)
         disguised += "<array><!--</array>--><?</array>?>";
     EXPECT_FALSE(lists_.parse(document(disguised)));
+
+    // Nor do quoted ends of tags, and quoted beginnings of comments begin none.
+    std::string quoted;
+    for (int level = 0; level < 200000; ++level)
+        quoted += "<array a=\"/>\">";
+    EXPECT_FALSE(lists_.parse(document(quoted)));
+    EXPECT_FALSE(lists_.parse("<?xml \"?><!--\" ?><plist version=\"1.0\">" + closed + "</plist>"));
 
     EXPECT_FALSE(lists_.serializeXml(nested(1000)));
 }

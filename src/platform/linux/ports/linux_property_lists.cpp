@@ -18,6 +18,7 @@ namespace lumora::platform::linux_backend {
 
 namespace {
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr int kReadCorrupt = 3840; // NSPropertyListReadCorruptError
 
 Error unreadable(const std::string& reason) {
@@ -68,7 +69,7 @@ std::string xmlContentOf(plist_t node) {
     return std::string(text.substr(begin + 1, text.find('<', begin) - begin - 1));
 }
 
-Result<PropertyListValue> convert(plist_t node);
+Result<PropertyListValue> convert(plist_t node, std::size_t level);
 
 Result<PropertyListValue> convertInteger(plist_t node) {
     const std::string text = xmlContentOf(node);
@@ -104,7 +105,7 @@ Result<PropertyListValue> convertDate(plist_t node) {
                 : unreadable("a date in it is malformed");
 }
 
-Result<PropertyListValue> convertArray(plist_t node) {
+Result<PropertyListValue> convertArray(plist_t node, std::size_t level) {
     PropertyListArray array;
     const std::uint32_t count = plist_array_get_size(node);
     plist_array_iter position = nullptr;
@@ -113,7 +114,7 @@ Result<PropertyListValue> convertArray(plist_t node) {
     for (std::uint32_t index = 0; index < count; ++index) {
         plist_t item = nullptr;
         plist_array_next_item(node, position, &item);
-        Result<PropertyListValue> value = convert(item);
+        Result<PropertyListValue> value = convert(item, level + 1);
         if (!value)
             return value;
         array.push_back(std::move(value.value()));
@@ -121,7 +122,7 @@ Result<PropertyListValue> convertArray(plist_t node) {
     return PropertyListValue(std::move(array));
 }
 
-Result<PropertyListValue> convertDictionary(plist_t node) {
+Result<PropertyListValue> convertDictionary(plist_t node, std::size_t level) {
     PropertyListDictionary dictionary;
     plist_dict_iter position = nullptr;
     plist_dict_new_iter(node, &position);
@@ -133,14 +134,16 @@ Result<PropertyListValue> convertDictionary(plist_t node) {
         if (item == nullptr)
             return PropertyListValue(std::move(dictionary));
         const CText keyOwner(key);
-        Result<PropertyListValue> value = convert(item);
+        Result<PropertyListValue> value = convert(item, level + 1);
         if (!value)
             return value;
         dictionary.insert_or_assign(key, std::move(value.value()));
     }
 }
 
-Result<PropertyListValue> convert(plist_t node) {
+Result<PropertyListValue> convert(plist_t node, std::size_t level) {
+    if (level > kMaximumNesting)
+        return unreadable("it is nested too deeply");
     switch (plist_get_node_type(node)) {
     case PLIST_BOOLEAN: {
         std::uint8_t flag = 0;
@@ -161,9 +164,9 @@ Result<PropertyListValue> convert(plist_t node) {
     case PLIST_DATE:
         return convertDate(node);
     case PLIST_ARRAY:
-        return convertArray(node);
+        return convertArray(node, level);
     case PLIST_DICT:
-        return convertDictionary(node);
+        return convertDictionary(node, level);
     default:
         return unreadable("it holds a value of an unknown type");
     }
@@ -176,23 +179,24 @@ Result<PropertyListValue> LinuxPropertyLists::parse(std::string_view bytes) {
         return unreadable("it is too large");
 
     const CLocaleScope locale;
-    const auto length = static_cast<std::uint32_t>(bytes.size());
     plist_t root = nullptr;
     if (bytes.starts_with(kBinaryPropertyListMagic)) {
         if (!isDecodableBinaryPropertyList(bytes))
             return unreadable("its binary form is malformed or beyond the limits");
-        plist_from_bin(bytes.data(), length, &root);
+        plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &root);
     } else {
         if (!isXmlText(bytes))
             return unreadable("it is neither a binary property list nor XML in UTF-8");
-        if (nestingOfXmlPropertyList(bytes) > kMaximumNesting)
-            return unreadable("it is nested too deeply");
-        plist_from_xml(bytes.data(), length, &root);
+        if (containersInXmlPropertyList(bytes) > kMaximumXmlContainers)
+            return unreadable("it holds too many lists and dictionaries");
+        if (bytes.starts_with(kByteOrderMark)) // some editors begin every file with it
+            bytes.remove_prefix(kByteOrderMark.size());
+        plist_from_xml(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &root);
     }
     const PlistNode owner(root);
     if (!owner)
         return unreadable("it is malformed");
-    return convert(root);
+    return convert(root, 1);
 }
 
 Result<std::string> LinuxPropertyLists::serializeXml(const PropertyListValue& value) {

@@ -8,7 +8,8 @@ namespace lumora::platform::linux_backend {
 /// The text with what would be markup, or changed by a reader's line-end rule, written as entities.
 [[nodiscard]] std::string escapedForXml(std::string_view text);
 
-/// How deep the elements that contain others (dict, array) of an XML property list nest, comments and CDATA left out.
-[[nodiscard]] std::size_t nestingOfXmlPropertyList(std::string_view xml);
+/// How many elements that contain others (dict, array) an XML property list has at most: what merely looks like one, in a
+/// comment, say, counts too. So no list nests deeper, however its markup is read.
+[[nodiscard]] std::size_t containersInXmlPropertyList(std::string_view xml);
 
 } // namespace lumora::platform::linux_backend
