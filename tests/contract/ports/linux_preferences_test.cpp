@@ -1,6 +1,7 @@
 #include "platform/linux/ports/launch_arguments.h"
 #include "platform/linux/ports/linux_preferences.h"
 #include "platform/linux/ports/linux_property_lists.h"
+#include "support/in_child.h"
 #include "support/temporary_folder.h"
 
 #include <fmt/format.h>
@@ -8,9 +9,17 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
 
 namespace lumora::contract {
 namespace {
@@ -77,6 +86,19 @@ class FewDescriptors {
   private:
     rlimit previous_{};
 };
+
+/// From here on this process finds no file system that knows locks. False when the kernel does not grant that.
+bool loseFileLocks() {
+    std::array<sock_filter, 4> refuseLocks{{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_flock, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOLCK),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    }};
+    const sock_fprog program{refuseLocks.size(), refuseLocks.data()};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
 
 TEST(LaunchArguments, pairsGiveStrings) {
     EXPECT_THAT(preferencesFromArguments({"-DC", "com", "-pathForLumora", "join", "-Empty", ""}),
@@ -261,6 +283,22 @@ TEST_F(LinuxPreferencesContract, aFileThatCannotBeOpenedNowIsNoDamagedOne) {
     EXPECT_THAT(stored(folders_.user),
                 UnorderedElementsAre(Pair("k", PropertyListValue("v")), Pair("l", PropertyListValue("w"))));
     EXPECT_FALSE(fs::exists(fileIn(folders_.user) + ".damaged-1"));
+}
+
+TEST_F(LinuxPreferencesContract, aFileSystemWithoutLocksKeepsValuesToo) {
+    const std::string report = inChild([this]() -> std::string {
+        if (!loseFileLocks())
+            return "no filter";
+        auto preferences = make();
+        preferences.setObject("k", "v");
+        preferences.synchronize();
+        return "";
+    });
+    if (report == "no filter")
+        GTEST_SKIP() << "the kernel does not let this process filter its calls";
+
+    EXPECT_EQ("", report);
+    EXPECT_THAT(stored(folders_.user), UnorderedElementsAre(Pair("k", PropertyListValue("v"))));
 }
 
 } // namespace

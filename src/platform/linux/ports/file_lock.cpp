@@ -15,13 +15,21 @@ namespace {
 constexpr std::chrono::seconds kPatience{5};
 constexpr std::chrono::milliseconds kRetry{5};
 
+bool isLockedByAnother(int error) { return error == EWOULDBLOCK || error == EINTR; }
+
+/// Some servers' file systems know no locks. Going on without one risks what two write at the same moment; not going on
+/// would lose everything.
+bool knowsNoLocks(int error) { return error == ENOLCK || error == ENOSYS || error == EOPNOTSUPP; }
+
 } // namespace
 
 FileLock::FileLock(const std::string& path)
     : file_(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR)) {
     const auto deadline = std::chrono::steady_clock::now() + kPatience;
     while (file_ && ::flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
-        if ((errno != EWOULDBLOCK && errno != EINTR) || std::chrono::steady_clock::now() > deadline)
+        if (knowsNoLocks(errno))
+            return;
+        if (!isLockedByAnother(errno) || std::chrono::steady_clock::now() > deadline)
             file_.reset();
         else
             std::this_thread::sleep_for(kRetry);
