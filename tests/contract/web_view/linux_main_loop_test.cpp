@@ -25,12 +25,12 @@ TEST_F(MainLoopOnGLib, aFiringMissedInAModalWindowHappensOnceAtItsEnd) {
     int common = 0;
     int byDefault = 0;
     const auto clock = loop.scheduleTimer(10ms, TimerMode::commonModes, [&] { ++common; });
-    const auto slow = loop.scheduleTimer(100ms, TimerMode::defaultMode, [&] { ++byDefault; });
+    const auto slow = loop.scheduleTimer(400ms, TimerMode::defaultMode, [&] { ++byDefault; });
     {
         const EventTracking::ModalSession modal(loop.tracking());
-        ASSERT_TRUE(runUntil([&] { return common >= 32; })); // three firings of the slow one fall due
+        ASSERT_TRUE(runUntil([&] { return common >= 128; })); // three firings of the slow one fall due
     }
-    ASSERT_TRUE(runUntil([&] { return byDefault == 1; }, 50ms));
+    ASSERT_TRUE(runUntil([&] { return byDefault == 1; }, 250ms));
 }
 
 TEST_F(MainLoopOnGLib, defaultModeTimersWaitWhileAMenuIsOpen) {

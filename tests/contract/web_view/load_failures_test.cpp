@@ -41,7 +41,7 @@ TEST_F(FailedLoads, anUnknownHostFailsProvisionally) {
 
 TEST_F(FailedLoads, anAnswerThatHangsTimesOut) {
     server.hang("/hang");
-    load(server.url("/hang"), 1s);
+    load(server.url("/hang"), kPatience);
     ASSERT_TRUE(runUntil([this] { return server.requests("/hang") == 1; }));
     expectOneProvisionalFailure(-1001, server.url("/hang"));
     EXPECT_EQ(delegate.provisionalFailures.front().localizedDescription, "The request timed out.");
@@ -95,10 +95,10 @@ TEST_F(FailedLoads, aPageThatIsCutOffFailsAfterItsFirstBytesStood) {
 TEST_F(FailedLoads, aLoadThatTheHostReplacesIsNoFailure) {
     server.hang("/hang");
     server.page("/page", "<title>page</title>");
-    load(server.url("/hang"), 2s);
+    load(server.url("/hang"), kPatience);
     ASSERT_TRUE(runUntil([this] { return server.requests("/hang") == 1; }));
     show(server.url("/page"));
-    runFor(2300ms); // the replaced load's time would run out now
+    outwaitPatience();
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 
@@ -174,12 +174,12 @@ TEST_F(FailedLoads, aPageThatItsProcessWasToShowIsReportedLostOnce) {
     server.page("/page", "<title>page</title>");
     server.hang("/hang");
     show(server.url("/page"));
-    load(server.url("/hang"), 2s);
+    load(server.url("/hang"), kPatience);
     ASSERT_TRUE(runUntil([this] { return server.requests("/hang") == 1; }));
     if (!killProcess())
         GTEST_SKIP() << kUnknownProcess;
     ASSERT_TRUE(runUntil([this] { return !delegate.lostPages.empty(); }));
-    runFor(2500ms); // the load's time would run out now
+    outwaitPatience();
     EXPECT_EQ(delegate.lostPages, std::vector{server.url("/hang")});
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
@@ -189,9 +189,9 @@ TEST_F(FailedLoads, aPlaceInThePageThatStandsIsNotWaitedFor) {
     show(server.url("/app") + "#join");
     run("location.hash = 'session'");
     ASSERT_TRUE(runUntil([this] { return valueOf("location.hash") == "#session"; }));
-    load(server.url("/app") + "#join", 1s);
+    load(server.url("/app") + "#join", kPatience);
     ASSERT_TRUE(runUntil([this] { return valueOf("location.hash") == "#join"; }));
-    runFor(1300ms);
+    outwaitPatience();
     EXPECT_EQ(delegate.reportedFailures(), 0U);
     EXPECT_EQ(view.address(), server.url("/app") + "#join");
 }

@@ -6,7 +6,7 @@ namespace lumora::contract {
 
 namespace {
 
-constexpr auto kPause = 900ms;
+constexpr auto kPause = 1500ms; // four of them are longer than the time-out
 
 /// A page of which everything comes slowly, and pages that stop amid themselves.
 void serveSlowly(Connection& connection, const std::string& head) {
@@ -57,7 +57,7 @@ class SlowLoads : public ViewTest {
 };
 
 TEST_F(SlowLoads, aPageThatStallsTimesOutThoughItStands) {
-    load(slowServer.url("/stalls"), 1s);
+    load(slowServer.url("/stalls"), kPatience);
     ASSERT_TRUE(runUntil([this] { return delegate.reportedFailures() > 0; }));
     runFor(300ms); // a second report would come now
     EXPECT_EQ(title(), "begun");
@@ -69,16 +69,16 @@ TEST_F(SlowLoads, aPageThatStallsTimesOutThoughItStands) {
 }
 
 TEST_F(SlowLoads, whateverComesOfThePagePutsItsTimeOutOff) {
-    load(slowServer.url("/slow"), 2s);
+    load(slowServer.url("/slow"), kPatience);
     ASSERT_TRUE(waitForTitle("begun"));
     ASSERT_TRUE(waitUntilLoaded());
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 
 TEST_F(SlowLoads, aPageThatHasAllComeWaitsForItsPicturesAsLongAsTheyTake) {
-    load(slowServer.url("/page"), 1s);
+    load(slowServer.url("/page"), kPatience);
     ASSERT_TRUE(waitForTitle("whole"));
-    runFor(1300ms);
+    outwaitPatience();
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 
@@ -88,16 +88,16 @@ TEST_F(SlowLoads, itIsTheSameWhereThePagesProcessChangesAndForAPlaceInThePage) {
     view.loadFile((folder.path() / "Offline.html").string(), folder.path().string());
     ASSERT_TRUE(waitForTitle("offline"));
     for (const std::string& url : {slowServer.url("/page"), foreign() + "#place"}) {
-        load(url, 1s);
+        load(url, kPatience);
         ASSERT_TRUE(runUntil([&] { return title() == "whole" && valueOf("location.href") == url; }));
-        runFor(1300ms);
+        outwaitPatience();
         EXPECT_EQ(delegate.reportedFailures(), 0U) << url;
     }
 }
 
 TEST_F(SlowLoads, aStalledPageTimesOutOnceThoughItTriesToLeave) {
     refuseForeignServers();
-    load(slowServer.url("/stalls"), 2s);
+    load(slowServer.url("/stalls"), kPatience);
     ASSERT_TRUE(waitForTitle("begun"));
     run("location.href = '" + foreign() + "'");
     ASSERT_TRUE(runUntil([this] { return delegate.reportedFailures() > 0; }));
@@ -128,11 +128,11 @@ TEST_F(SlowLoads, aPageThatTriesToLeaveBeforeItsPicturesHaveComeIsNoFailure) {
 }
 
 TEST_F(SlowLoads, aStalledPageGivesWayToTheNext) {
-    load(slowServer.url("/stalls"), 1s);
+    load(slowServer.url("/stalls"), kPatience);
     ASSERT_TRUE(waitForTitle("begun"));
     load(slowServer.url("/page"), 20s);
     ASSERT_TRUE(waitForTitle("whole"));
-    runFor(1300ms);
+    outwaitPatience();
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }
 

@@ -55,6 +55,9 @@ class RecordingDelegate final : public platform::WebViewDelegate {
     }
 };
 
+/// A load's time-out that only what stands still reaches: on a busy machine an engine's process may take seconds to begin.
+constexpr auto kPatience = 5s;
+
 /// A real web view, shown in a window of its own.
 class ViewTest : public ::testing::Test {
   protected:
@@ -64,6 +67,9 @@ class ViewTest : public ::testing::Test {
 
     /// Loads an address without judging how that ends.
     void load(const std::string& url, std::chrono::seconds timeout = 60s);
+
+    /// Runs the main loop until the time of a load that has begun must have run out.
+    static void outwaitPatience() { runFor(kPatience + 300ms); }
 
     /// Loads a page and waits until it stands.
     void show(const std::string& url);
