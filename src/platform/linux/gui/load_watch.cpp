@@ -11,6 +11,7 @@ LoadWatch::LoadWatch(MainLoop& loop, WebKitWebView* view, TimedOut timedOut)
 void LoadWatch::begin(const std::string& uri, std::chrono::seconds timeout) {
     end();
     uri_ = uri;
+    target_.clear();
     timeout_ = timeout;
     startTimer();
 }
@@ -18,6 +19,11 @@ void LoadWatch::begin(const std::string& uri, std::chrono::seconds timeout) {
 void LoadWatch::progressed() {
     if (timer_ != nullptr)
         startTimer();
+}
+
+void LoadWatch::redirected(const std::string& uri) {
+    target_ = uri;
+    progressed();
 }
 
 void LoadWatch::end() {
@@ -40,8 +46,9 @@ void LoadWatch::progressChanged(WebKitWebView*, GParamSpec*, gpointer self) {
 void LoadWatch::resourceStarted(WebKitWebView* view, WebKitWebResource* resource, WebKitURIRequest* request,
                                 gpointer data) {
     auto* self = static_cast<LoadWatch*>(data);
-    const bool isPage = resource == webkit_web_view_get_main_resource(view) &&
-                        textOf(webkit_uri_request_get_uri(request)) == self->uri_;
+    const std::string uri = textOf(webkit_uri_request_get_uri(request));
+    const bool isPage =
+        resource == webkit_web_view_get_main_resource(view) && (uri == self->uri_ || uri == self->target_);
     if (self->timer_ == nullptr || !isPage)
         return;
     self->pageSignals_.reset();

@@ -32,6 +32,9 @@ class LoadWatch {
     /// Something of the load has come.
     void progressed();
 
+    /// The server has sent the load on to this address. Another process may go on with it there.
+    void redirected(const std::string& uri);
+
     void end();
 
   private:
@@ -45,6 +48,7 @@ class LoadWatch {
     MainLoop& loop_;
     TimedOut timedOut_;
     std::string uri_;
+    std::string target_; ///< where the last redirect led; empty without one
     std::chrono::seconds timeout_{};
     std::unique_ptr<Timer> timer_;      ///< absent: nothing is watched
     ObjectRef<WebKitWebResource> page_; ///< outlives the handlers below

@@ -139,7 +139,7 @@ void WebKitView::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointe
         self->tracker_.started();
         break;
     case WEBKIT_LOAD_REDIRECTED:
-        self->watch_.progressed();
+        self->watch_.redirected(textOf(webkit_web_view_get_uri(view)));
         break;
     case WEBKIT_LOAD_COMMITTED:
         if (self->tracker_.awaited().empty())
