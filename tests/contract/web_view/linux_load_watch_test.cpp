@@ -38,6 +38,25 @@ class LoadWatches : public ::testing::Test {
     const TemporaryFolder folder;
 };
 
+TEST_F(LoadWatches, aLocalPageThatNeverComesFailsAndMayBeAskedForAgain) {
+    const std::string late = (folder.path() / "Late.html").string();
+    ASSERT_EQ(::mkfifo(late.c_str(), 0600), 0);
+    loadFile("Offline.html");
+    ASSERT_TRUE(waitForTitle("offline"));
+    ASSERT_TRUE(runUntil([this] { return !isWatched(); }));
+    loadFile("Late.html");
+    EXPECT_TRUE(isWatched());
+    loop.fireTimers();
+    ASSERT_EQ(delegate.provisionalFailures.size(), 1U);
+    EXPECT_EQ(delegate.provisionalFailures.front().code, -1001);
+    EXPECT_EQ(delegate.provisionalFailures.front().failingUrl, "file://" + late);
+    std::filesystem::remove(late);
+    writeFile(late, "<title>late</title>");
+    loadFile("Late.html");
+    EXPECT_TRUE(waitForTitle("late"));
+    EXPECT_EQ(delegate.reportedFailures(), 1U);
+}
+
 TEST_F(LoadWatches, aPageThatARedirectLeadsToInAnotherProcessIsWatchedToItsEndOnly) {
     server.redirect("/start", server.url("/page", "127.0.0.1"));
     loadFile("Offline.html");

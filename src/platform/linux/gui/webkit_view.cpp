@@ -20,6 +20,9 @@ std::string hostOf(const std::string& uri) {
     return parsed == nullptr ? uri : textOf(g_uri_get_host(parsed.get()));
 }
 
+/// The engine does not tell when a process that is to take over from another dies before its page stands.
+constexpr std::chrono::seconds kLocalPageTimeout{20};
+
 /// The address in the engine's own form: what its later reports compare with.
 std::string addressOf(WebKitURIRequest* request) { return textOf(webkit_uri_request_get_uri(request)); }
 
@@ -102,8 +105,8 @@ void WebKitView::loadFile(const std::string& path, const std::string&) {
         stopLoad(); // the page stays; what was to replace it does not come
         return;
     }
-    watch_.end();
     startLoad(engineRequest.get());
+    watch_.begin(uri, kLocalPageTimeout);
 }
 
 void WebKitView::startLoad(WebKitURIRequest* request) {
