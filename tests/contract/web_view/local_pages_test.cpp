@@ -81,10 +81,10 @@ TEST_F(LocalPages, aLoadUnderWayIsStoppedForTheLocalPageThatStands) {
     server.hang("/hang");
     showLocal();
     run("window.kept = 'kept'");
-    load(server.url("/hang"), 2s);
+    load(server.url("/hang"), kPatience);
     ASSERT_TRUE(runUntil([this] { return server.requests("/hang") == 1; }));
     view.loadFile(page(), folder_.string());
-    runFor(2300ms);
+    outwaitPatience();
     EXPECT_EQ(valueOf("window.kept"), "kept");
     EXPECT_EQ(delegate.reportedFailures(), 0U);
 }

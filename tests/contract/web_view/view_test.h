@@ -56,7 +56,7 @@ class RecordingDelegate final : public platform::WebViewDelegate {
 };
 
 /// A load's time-out that only what stands still reaches: on a busy machine an engine's process may take seconds to begin.
-constexpr auto kPatience = 5s;
+constexpr auto kPatience = 6s;
 
 /// A real web view, shown in a window of its own.
 class ViewTest : public ::testing::Test {
