@@ -22,6 +22,7 @@ namespace {
 
 constexpr std::string_view kPrefix = ".lumora-";
 constexpr int kAttempts = 100; // each fails only when another process sweeps the folder at that very moment
+constexpr mode_t kPermissions = 07777;
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 std::string newName() {
@@ -131,6 +132,19 @@ int TemporarySibling::placeIfFree() {
     const int error = renameIfFree(path_, destination_);
     if (error == 0)
         stands_ = false;
+    return error;
+}
+
+int TemporarySibling::placeInsideIfFree() {
+    // A folder goes from one folder to another only while its own user may write in it.
+    const UniqueFd folder(::open(inside().c_str(), kFolderFlags));
+    struct stat status {};
+    const bool isReadOnly = folder && ::fstat(folder.get(), &status) == 0 && (status.st_mode & S_IWUSR) == 0;
+    if (isReadOnly)
+        ::fchmod(folder.get(), S_IRWXU);
+    const int error = renameIfFree(inside(), destination_);
+    if (isReadOnly)
+        ::fchmod(folder.get(), status.st_mode & kPermissions);
     return error;
 }
 

@@ -36,6 +36,11 @@ class TemporarySibling {
     /// Renames it to the destination, over a file that may stand there.
     [[nodiscard]] int place();
 
+    /// Where, in a folder created here, somebody else makes the new thing whole who does it in one call of their own.
+    [[nodiscard]] std::string inside() const { return path_ + "/new"; }
+    /// Renames that to the destination, where nothing may stand.
+    [[nodiscard]] int placeInsideIfFree();
+
     /// Renames the destination's entry here, out of sight.
     [[nodiscard]] int takeAway();
     /// Renames it back, unless another stands there by now.

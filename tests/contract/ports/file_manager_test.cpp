@@ -217,6 +217,22 @@ TEST_F(FileManagerContract, aCopyIsNeverSeenHalf) {
     }
 }
 
+TEST_F(FileManagerContract, whatAKilledCopyLeavesGoesWithTheNextCopy) {
+    if (!kCopiesAreWritten)
+        GTEST_SKIP() << "nothing ends a copy midway that the file system makes in one step";
+    fs::create_directory(folder_ / "source");
+    writeFile(folder_ / "source/file", "text");
+    const auto copy = [this] { return files_.copyItem(folder_ / "source", home_ + "/copy"); };
+    ASSERT_EQ("", killedAtItsFirstByte([&] { static_cast<void>(copy()); }));
+    ASSERT_THAT(namesIn(home_), testing::SizeIs(1));
+    ASSERT_FALSE(fs::exists(home_ + "/copy"));
+
+    ASSERT_TRUE(copy());
+
+    EXPECT_THAT(namesIn(home_), testing::ElementsAre("copy"));
+    EXPECT_EQ("text", contentsOf(home_ + "/copy/file"));
+}
+
 TEST_F(FileManagerContract, twoCopiesToOnePlaceGiveOneWholeCopy) {
     for (const char* name : {"a", "b"}) {
         fs::create_directory(folder_ / name);

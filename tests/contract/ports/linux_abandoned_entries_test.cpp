@@ -9,12 +9,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <csignal>
+#include <cerrno>
 #include <thread>
 
 namespace lumora::contract {
@@ -26,35 +25,19 @@ using platform::linux_backend::LinuxFileManager;
 using platform::linux_backend::TemporaryFile;
 using platform::posix_backend::TemporarySibling;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
-
-constexpr std::size_t kLimit = 1 << 20;
 
 class AbandonedEntriesContract : public testing::Test {
   protected:
     AbandonedEntriesContract() {
         fs::create_directory(place_);
         fs::create_directory(source_);
-        writeFile(source_ + "/big", std::string(2 * kLimit, 'b'));
+        writeFile(source_ + "/big", "text");
         ::setenv("TMPDIR", place_.c_str(), 1);
     }
     ~AbandonedEntriesContract() override { ::unsetenv("TMPDIR"); }
-
-    /// Runs the body in a process that is killed as soon as a file of its own grows beyond the limit.
-    static void killMidway(const std::function<void()>& body) {
-        const std::string report = inChild([&]() -> std::string {
-            std::signal(SIGXFSZ, [](int) { ::raise(SIGKILL); });
-            const rlimit limit{kLimit, kLimit};
-            if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)
-                return "no limit";
-            body();
-            return "not killed";
-        });
-        ASSERT_THAT(report, HasSubstr("signal 9"));
-    }
 
     std::vector<std::string> names() {
         std::vector<std::string> found;
@@ -69,18 +52,9 @@ class AbandonedEntriesContract : public testing::Test {
     LinuxFileManager files_{HomeFolder(folder_ / "home")};
 };
 
-TEST_F(AbandonedEntriesContract, aKilledCopyOfAFolderGoesWithTheNextCopy) {
-    killMidway([&] { static_cast<void>(files_.copyItem(source_, place_ + "/copy")); });
-    ASSERT_THAT(names(), SizeIs(1));
-
-    ASSERT_TRUE(files_.copyItem(source_, place_ + "/copy"));
-
-    EXPECT_THAT(names(), ElementsAre("copy"));
-    EXPECT_EQ(2 * kLimit, fs::file_size(place_ + "/copy/big"));
-}
-
 TEST_F(AbandonedEntriesContract, aKilledCopyOfAFileGoesWithTheNextCreation) {
-    killMidway([&] { static_cast<void>(files_.copyItem(source_ + "/big", place_ + "/copy")); });
+    ASSERT_EQ("", killedAtItsFirstByte(
+                      [&] { static_cast<void>(files_.copyItem(source_ + "/big", place_ + "/copy")); }));
     ASSERT_THAT(names(), SizeIs(1));
 
     ASSERT_TRUE(files_.createFile(place_ + "/file", "text", {}));
@@ -89,8 +63,8 @@ TEST_F(AbandonedEntriesContract, aKilledCopyOfAFileGoesWithTheNextCreation) {
 }
 
 TEST_F(AbandonedEntriesContract, aKilledCreationGoesWithTheNextRemovalOfAFolder) {
-    killMidway(
-        [&] { static_cast<void>(files_.createFile(place_ + "/file", std::string(2 * kLimit, 'x'), {})); });
+    ASSERT_EQ("", killedAtItsFirstByte(
+                      [&] { static_cast<void>(files_.createFile(place_ + "/file", "text", {})); }));
     ASSERT_THAT(names(), SizeIs(1));
     fs::create_directories(place_ + "/folder/inner");
 
@@ -100,11 +74,11 @@ TEST_F(AbandonedEntriesContract, aKilledCreationGoesWithTheNextRemovalOfAFolder)
 }
 
 TEST_F(AbandonedEntriesContract, aKilledDownloadGoesWithTheNextDownload) {
-    killMidway([] {
-        TemporaryFile file;
-        while (file.append(std::string(4096, 'x'))) {
-        }
-    });
+    ASSERT_EQ("", killedAtItsFirstByte([] {
+                  TemporaryFile file;
+                  while (file.append(std::string(4096, 'x'))) {
+                  }
+              }));
     ASSERT_THAT(names(), SizeIs(1));
 
     const TemporaryFile next;
@@ -135,6 +109,29 @@ TEST_F(AbandonedEntriesContract, whatALivingProcessMakesIsLeftAlone) {
     EXPECT_EQ(0, folder.placeIfFree());
     EXPECT_EQ(0, file.placeIfFree());
     EXPECT_TRUE(fs::exists(place_ + "/a/half"));
+}
+
+TEST_F(AbandonedEntriesContract, whatIsMadeInsideAHeldFolderIsPlacedWholeOrGoesWithIt) {
+    fs::permissions(folder_.path(), fs::perms(0755));
+    fs::permissions(place_, fs::perms(0777));
+    EXPECT_EQ("", asOrdinaryUser([&]() -> std::string {
+                  TemporarySibling folder(place_ + "/folder");
+                  TemporarySibling again(place_ + "/folder");
+                  if (folder.createFolder() < 0 || again.createFolder() < 0)
+                      return "not created";
+                  for (const TemporarySibling* each : {&folder, &again}) {
+                      fs::create_directory(each->inside());
+                      writeFile(each->inside() + "/file", "text");
+                      fs::permissions(each->inside(), fs::perms(0555));
+                  }
+                  if (folder.placeInsideIfFree() != 0)
+                      return "not placed";
+                  return again.placeInsideIfFree() == EEXIST ? "" : "placed over another";
+              }));
+
+    EXPECT_THAT(names(), ElementsAre("folder"));
+    EXPECT_EQ("text", contentsOf(place_ + "/folder/file"));
+    EXPECT_EQ(fs::perms(0555), fs::status(place_ + "/folder").permissions());
 }
 
 TEST_F(AbandonedEntriesContract, nothingNewIsLostToOneWhoSweepsAtTheSameMoment) {

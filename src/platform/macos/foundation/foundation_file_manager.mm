@@ -1,7 +1,10 @@
 #include "platform/macos/foundation/foundation_file_manager.h"
 
 #include "platform/macos/foundation/objc_exceptions.h"
-#include "platform/posix/tree_removal.h"
+#include "platform/posix/posix_error.h"
+#include "platform/posix/temporary_sibling.h"
+
+#include <cerrno>
 
 namespace lumora::platform::macos_backend {
 
@@ -13,22 +16,6 @@ NSFileManager* manager() { return NSFileManager.defaultManager; }
 NSString* entryAt(const std::string& text) {
     NSString* path = nsString(text);
     return [path.stringByDeletingLastPathComponent stringByAppendingPathComponent:path.lastPathComponent];
-}
-
-// A name beside the entry for what takes its place in one step.
-NSString* besides(NSString* path) {
-    NSString* name = [@"." stringByAppendingString:NSUUID.UUID.UUIDString];
-    return [path.stringByDeletingLastPathComponent stringByAppendingPathComponent:name];
-}
-
-// Runs one operation that tells its success and leaves an error behind when it fails.
-template <class Operation> Result<void> attempt(const Operation& operation) {
-    return atPort([&]() -> Result<void> {
-        NSError* error = nil;
-        if (!operation(&error))
-            return errorOf(error);
-        return {};
-    });
 }
 
 } // namespace
@@ -51,11 +38,14 @@ bool FoundationFileManager::fileExists(const std::string& path) {
 Result<void> FoundationFileManager::createDirectoryWithIntermediates(const std::string& path) {
     if (const auto place = resolved(path); !place)
         return place.error();
-    return attempt([&](NSError** error) {
-        return [manager() createDirectoryAtPath:nsString(path)
-                    withIntermediateDirectories:YES
-                                     attributes:nil
-                                          error:error];
+    return atPort([&]() -> Result<void> {
+        NSError* error = nil;
+        if (![manager() createDirectoryAtPath:nsString(path)
+                  withIntermediateDirectories:YES
+                                   attributes:nil
+                                        error:&error])
+            return errorOf(error);
+        return {};
     });
 }
 
@@ -64,13 +54,16 @@ Result<void> FoundationFileManager::copyItem(const std::string& source, const st
         if (const auto place = resolved(path); !place)
             return place.error();
     }
-    return attempt([&](NSError** error) {
-        NSString* copy = besides(entryAt(destination));
-        const bool copied = [manager() copyItemAtPath:entryAt(source) toPath:copy error:error] &&
-                            [manager() moveItemAtPath:copy toPath:entryAt(destination) error:error];
-        if (!copied)
-            static_cast<void>(posix_backend::removeTree(textOf(copy))); // read-only folders too
-        return copied;
+    return atPort([&]() -> Result<void> {
+        // In a folder that is held: by it the next copy knows what a killed one left, and removes it.
+        posix_backend::TemporarySibling aside(textOf(entryAt(destination)));
+        if (aside.createFolder() < 0)
+            return posix_backend::posixError(errno, destination);
+        NSError* error = nil;
+        if (![manager() copyItemAtPath:entryAt(source) toPath:nsString(aside.inside()) error:&error])
+            return errorOf(error);
+        const int failure = aside.placeInsideIfFree();
+        return failure == 0 ? Result<void>() : posix_backend::posixError(failure, destination);
     });
 }
 

@@ -60,6 +60,13 @@ inline FileManager makeFileManager(const std::string&) { return {}; }
 
 inline std::string homeOf(const std::string&) { return ::getpwuid(::getuid())->pw_dir; }
 
+/// Whether a copy is written, or made of its source by the volume in one step.
+#ifdef __APPLE__
+constexpr bool kCopiesAreWritten = false;
+#else
+constexpr bool kCopiesAreWritten = true;
+#endif
+
 /// Of the running program's own domain and its launch arguments.
 inline std::unique_ptr<platform::Preferences> makePreferences() {
     return std::make_unique<backend::FoundationPreferences>();
@@ -150,6 +157,9 @@ inline std::unique_ptr<platform::HttpSessions> makeHttpSessionsTrusting(const st
 inline FileManager makeFileManager(const std::string& home) { return FileManager(backend::HomeFolder(home)); }
 
 inline std::string homeOf(const std::string& chosen) { return chosen; }
+
+/// Whether a copy is written, or made of its source by the volume in one step.
+constexpr bool kCopiesAreWritten = true;
 
 inline std::unique_ptr<platform::SystemVersions> makeSystemVersions() {
     return std::make_unique<backend::LinuxSystemVersions>();

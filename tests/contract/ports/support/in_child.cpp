@@ -1,11 +1,13 @@
 #include "support/in_child.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <exception>
 
 namespace lumora::contract {
@@ -72,6 +74,18 @@ std::string Child::report() {
 }
 
 std::string inChild(const std::function<std::string()>& body) { return Child(body).report(); }
+
+std::string killedAtItsFirstByte(const std::function<void()>& body) {
+    const std::string report = inChild([&]() -> std::string {
+        std::signal(SIGXFSZ, [](int) { ::raise(SIGKILL); });
+        const rlimit nothing{0, 0};
+        if (::setrlimit(RLIMIT_FSIZE, &nothing) != 0)
+            return "no limit";
+        body();
+        return "not killed";
+    });
+    return report == " [ended by signal " + std::to_string(SIGKILL) + "]" ? "" : report;
+}
 
 std::string asOrdinaryUser(const std::function<std::string()>& body) {
     if (::geteuid() != 0)

@@ -25,6 +25,10 @@ class Child {
 /// Runs the body in a forked process to its end.
 [[nodiscard]] std::string inChild(const std::function<std::string()>& body);
 
+/// Runs the body in a forked process that is killed when it writes the first byte into a file. Empty when it was killed
+/// so, else what became of it.
+[[nodiscard]] std::string killedAtItsFirstByte(const std::function<void()>& body);
+
 /// Runs the body as an ordinary user: in a forked process only for the superuser, whose rights would hide what a test looks
 /// for. Some systems' frameworks are of little use after a fork.
 [[nodiscard]] std::string asOrdinaryUser(const std::function<std::string()>& body);
