@@ -67,6 +67,13 @@ class Pages(EndToEndCase):
         waiting.until(lambda: self.data_centre.requests("/join"), "the join page's request")
         self.page.wait_until_loaded()
 
+    def test_what_the_page_keeps_outlives_a_restart(self):
+        self.start()
+        self.page.eval("localStorage.visited = 'once'; document.cookie = 'now=1; secure';"
+                       "document.cookie = 'visited=once; secure; max-age=86400'")
+        self.restart()
+        self.assertEqual(self.page.eval("return [localStorage.visited, document.cookie]"), ["once", "visited=once"])
+
     def test_a_closed_window_ends_the_application_well(self):
         self.start()
         self.close()

@@ -1,5 +1,6 @@
 #include "platform/linux/gui/webkit_view.h"
 
+#include "platform/linux/gui/cookies.h"
 #include "platform/linux/gui/keyboard_focus.h"
 #include "platform/linux/gui/load_errors.h"
 #include "platform/linux/gui/page_requests.h"
@@ -47,6 +48,7 @@ ObjectRef<WebKitWebView> makeView() {
     speakReadersLanguages(context.get());
     auto view = ObjectRef<WebKitWebView>::retain(
         WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context.get(), nullptr)));
+    keepCookies(view.get());
     keepFocusOffHiddenParts(view.get());
     applySettings(webkit_web_view_get_settings(view.get()));
     answerPageRequestsSilently(view.get());
