@@ -1,4 +1,3 @@
-#include "bridge/message_body.h"
 #include "bridge/native_message_handler.h"
 #include "bridge/records.h"
 #include "bridge/standard_defaults.h"
@@ -17,8 +16,6 @@ void NativeMessageHandler::getCustomerDetails() {
 }
 
 void NativeMessageHandler::sendCustomerDetailsToNative(const std::string& body) {
-    if (!isDecodable(body))
-        return;
     const auto details = decode<customerDetails>(body);
     if (!details) {
         print("handleMessageFromWebView(message:) : Customer Details Not Initialized.");

@@ -1,6 +1,5 @@
 #include "agent/ovra_app_upgrader.h"
 #include "api/api_handler.h"
-#include "bridge/message_body.h"
 #include "bridge/native_message_handler.h"
 #include "bridge/records.h"
 #include "bridge/standard_defaults.h"
@@ -44,8 +43,6 @@ void startAgent(FailedCheck failedCheck) {
 } // namespace
 
 void NativeMessageHandler::sendJoinDetailsToNative(const std::string& body) {
-    if (!isDecodable(body))
-        return;
     const auto details = decode<joinSessionMessage>(body);
     if (!details) {
         // The doubled name is how this line is known and searched for.

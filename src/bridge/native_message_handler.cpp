@@ -1,5 +1,6 @@
 #include "bridge/native_message_handler.h"
 
+#include "bridge/message_body.h"
 #include "platform/ports.h"
 #include "support/shared_instance.h"
 
@@ -44,9 +45,16 @@ void NativeMessageHandler::handleMessageFromWebView(const platform::ScriptMessag
         [this](Action action) { (this->*action)(); },
         [this, &message](TextAction action) {
             if (message.stringBody)
-                (this->*action)(*message.stringBody);
+                (this->*action)(wellFormed(*message.stringBody));
         },
-        [this, &message](BodyAction action) { (this->*action)(message.stringBody); },
+        [this, &message](JsonAction action) {
+            if (message.stringBody && isDecodable(*message.stringBody))
+                (this->*action.decode)(*message.stringBody);
+        },
+        [this, &message](BodyAction action) {
+            (this->*action)(message.stringBody ? std::optional(wellFormed(*message.stringBody))
+                                               : std::nullopt);
+        },
     };
     std::visit(act, found->action);
 }

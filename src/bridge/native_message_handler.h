@@ -53,13 +53,17 @@ class NativeMessageHandler {
   private:
     // What a message's body must be shows in its action's signature.
     using Action = void (NativeMessageHandler::*)();                            ///< the body is not looked at
-    using TextAction = void (NativeMessageHandler::*)(const std::string& body); ///< anything else is ignored
+    using TextAction = void (NativeMessageHandler::*)(const std::string& text); ///< anything else is ignored
+    /// JSON text: a string without bytes to decode is ignored as well.
+    struct JsonAction {
+        TextAction decode;
+    };
     using BodyAction =
-        void (NativeMessageHandler::*)(const std::optional<std::string>& body); ///< absent: not a string
+        void (NativeMessageHandler::*)(const std::optional<std::string>& text); ///< absent: not a string
 
     struct Message {
         std::string_view name;
-        std::variant<Action, TextAction, BodyAction> action;
+        std::variant<Action, TextAction, JsonAction, BodyAction> action;
     };
 
     [[nodiscard]] static std::span<const Message> catalogue();

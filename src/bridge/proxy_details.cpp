@@ -1,4 +1,3 @@
-#include "bridge/message_body.h"
 #include "bridge/native_message_handler.h"
 #include "bridge/records.h"
 #include "bridge/standard_defaults.h"
@@ -18,8 +17,6 @@ void NativeMessageHandler::getProxyDetails() {
 }
 
 void NativeMessageHandler::sendProxyDetailsToNative(const std::string& body) {
-    if (!isDecodable(body))
-        return;
     const auto details = decode<proxyDetails>(body);
     if (!details) {
         // The customer details' words, without the colon: support staff know this form as the proxy's.

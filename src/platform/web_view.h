@@ -21,7 +21,9 @@ struct PageRequest {
 /// What the page posted. Only string bodies are of use; any other type arrives without one.
 struct ScriptMessage {
     std::string name;
-    std::optional<std::string> stringBody; ///< the exact bytes as UTF-8, NULs included
+    /// The exact text in UTF-8, NULs included. Half a surrogate pair, which a page's string may hold and UTF-8 may not,
+    /// is three bytes as though it were a character.
+    std::optional<std::string> stringBody;
 };
 
 enum class NavigationType { linkActivated, formSubmitted, backForward, reload, formResubmitted, other };

@@ -34,6 +34,9 @@ bool isWhiteSpace(utf8proc_int32_t value) {
     }
 }
 
+bool isHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool isLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
 /// How many bytes the first user-perceived character of a text that is not empty takes.
 std::size_t firstCharacterLength(std::string_view text) {
     auto previous = firstCodePoint(text);
@@ -62,6 +65,20 @@ std::string_view characterAt(std::string_view text, std::size_t index) {
     for (; !text.empty() && index > 0; --index)
         text.remove_prefix(firstCharacterLength(text));
     return text.empty() ? text : text.substr(0, firstCharacterLength(text));
+}
+
+std::string utf8OfUtf16(std::u16string_view units) {
+    std::string text;
+    text.reserve(units.size());
+    for (std::size_t at = 0; at < units.size(); ++at) {
+        utf8proc_int32_t value = units[at];
+        if (at + 1 < units.size() && isHighSurrogate(units[at]) && isLowSurrogate(units[at + 1]))
+            value = 0x10000 + ((value - 0xD800) << 10) + (units[++at] - 0xDC00);
+        utf8proc_uint8_t bytes[4];
+        const auto length = utf8proc_encode_char(value, bytes);
+        text.append(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length));
+    }
+    return text;
 }
 
 std::string_view trimmed(std::string_view text) {

@@ -42,6 +42,22 @@ TEST_F(ScriptMessagesOfAPage, textBeyondAsciiArrivesAsUtf8) {
               "Grüße, 日本, 👩‍👩‍👧");
 }
 
+TEST_F(ScriptMessagesOfAPage, everythingThatTextMayHoldArrives) {
+    std::string expected;
+    for (int character = 0; character < 0x80; ++character)
+        expected += static_cast<char>(character);
+    EXPECT_EQ(posted("Array.from({length: 128}, (_, i) => String.fromCharCode(i)).join('')").stringBody,
+              expected);
+    EXPECT_EQ(posted("'\\\\u0041 \\u2028\\ufeff\\uffff \\ud83d\\ude00'").stringBody,
+              "\\u0041 \u2028\uFEFF\uFFFF \U0001F600");
+}
+
+TEST_F(ScriptMessagesOfAPage, halfASurrogatePairEndsNoText) {
+    EXPECT_EQ(posted("'ab\\ud83dcd'").stringBody, "ab\xED\xA0\xBD"
+                                                  "cd");
+    EXPECT_EQ(posted("'\\ude00\\ud83d'").stringBody, "\xED\xB8\x80\xED\xA0\xBD");
+}
+
 TEST_F(ScriptMessagesOfAPage, aMebibyteArrivesWhole) {
     const ScriptMessage message = posted("'abcdefgh'.repeat(131072)");
     ASSERT_TRUE(message.stringBody.has_value());

@@ -20,5 +20,17 @@ TEST(MessageBodies, withHalfASurrogatePairOrBrokenBytesAreNot) {
         EXPECT_FALSE(isDecodable(body)) << body;
 }
 
+TEST(MessageBodies, asTextKeepWhatIsWellFormed) {
+    for (const auto& body : {""s, "{}"s, "a\0b"s, "é 漢 👩‍🚀"s, "\xF4\x8F\xBF\xBF"s})
+        EXPECT_EQ(wellFormed(body), body);
+}
+
+TEST(MessageBodies, asTextHaveOneReplacementForEachHalfAndEachStrayByte) {
+    EXPECT_EQ(wellFormed("a\xED\xA0\xBD\xED\xBF\xBFz"), "a\uFFFD\uFFFDz");
+    EXPECT_EQ(wellFormed("\xED\xA0"), "\uFFFD\uFFFD");
+    EXPECT_EQ(wellFormed("\xFF\xC3"), "\uFFFD\uFFFD");
+    EXPECT_EQ(wellFormed("\xED\x9F\xBF"), "\uD7FF");
+}
+
 } // namespace
 } // namespace lumora

@@ -1,4 +1,5 @@
 #include "bridge/bridge_test.h"
+#include "config/session_details.h"
 
 #include <algorithm>
 
@@ -56,6 +57,20 @@ TEST_F(MessageCatalogue, ignoresABodyToDecodeThatHasNoBytes) {
         post(name, "{\"email\":\"\xED\xA0\x80\"}");
         expectNoTrace(name);
     }
+}
+
+TEST_F(MessageCatalogue, takesATextThatHasNoBytesWithReplacements) {
+    post("sendRRSessionDigestToNative", "a\xED\xA0\xBD");
+    post("sendLumoraTitleToNative", "b\xED\xA0\xBD");
+    post("consoleHandler", "c\xED\xA0\xBD");
+    post("sendRRSessionKeyToNative", "12345678\xED\xA0\xBD");
+
+    EXPECT_EQ(preferences.user.at("RRSessionDigest"), platform::PropertyListValue("a\uFFFD"));
+    EXPECT_EQ(preferences.user.at("WindowTitle"), platform::PropertyListValue("b\uFFFD"));
+    EXPECT_EQ(page.journal, Lines{"title b\uFFFD"});
+    EXPECT_EQ(streams.printed(),
+              Lines{"handleMessageFromWebView(message:) : Console Message from WebView: c\uFFFD"});
+    EXPECT_EQ(SessionDetails::getInstance().sessionKey(), "12345678\uFFFD");
 }
 
 TEST_F(MessageCatalogue, doesNotLookAtTheBodyOfAQuestion) {

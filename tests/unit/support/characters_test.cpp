@@ -33,6 +33,18 @@ TEST(Characters, carriageReturnAndLineFeedAreOne) { EXPECT_EQ(countCharacters("a
 
 TEST(Characters, hangulSyllableOfJamosIsOne) { EXPECT_EQ(countCharacters("\u1112\u1161\u11AB"), 1U); }
 
+TEST(Characters, utf16BecomesUtf8) {
+    EXPECT_EQ(utf8OfUtf16(u""), "");
+    EXPECT_EQ(utf8OfUtf16(u"a\0\u00E9\u65E5\uFFFF\U0001F600\U0010FFFF"sv),
+              "a\0\u00E9\u65E5\uFFFF\U0001F600\U0010FFFF"sv);
+}
+
+TEST(Characters, halvesOfSurrogatePairsAreThreeBytesEach) {
+    constexpr char16_t kHalves[] = {0xDE00, u'a', 0xD83D, 0xD83D, 0xDE00, 0xD83D};
+    EXPECT_EQ(utf8OfUtf16({kHalves, std::size(kHalves)}), "\xED\xB8\x80"
+                                                          "a\xED\xA0\xBD\U0001F600\xED\xA0\xBD");
+}
+
 TEST(Characters, invalidBytesCountOneEach) {
     EXPECT_EQ(countCharacters("\xFF\xFE"sv), 2U);
     EXPECT_EQ(countCharacters("a\xC3"sv), 2U);

@@ -1,6 +1,7 @@
 #include "platform/macos/web/web_delegate.h"
 
 #include "platform/macos/foundation/text.h"
+#include "support/characters.h"
 #include "webhost/server_trust.h"
 
 #import <Security/Security.h>
@@ -28,6 +29,13 @@ NavigationAction describe(WKNavigationAction* action) {
             action.targetFrame != nil};
 }
 
+// Of any string, also of one that UTF-8 proper cannot hold.
+std::string exactTextOf(NSString* text) {
+    std::u16string units(text.length, u'\0');
+    [text getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
+    return utf8OfUtf16(units);
+}
+
 LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge const void*)navigation; }
 
 } // namespace
@@ -39,9 +47,8 @@ LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge cons
     if (host == nullptr)
         return;
     ScriptMessage received{textOf(message.name), std::nullopt};
-    NSString* body = [message.body isKindOfClass:[NSString class]] ? message.body : nil;
-    if ([body canBeConvertedToEncoding:NSUTF8StringEncoding])
-        received.stringBody = textOf(body);
+    if ([message.body isKindOfClass:[NSString class]])
+        received.stringBody = exactTextOf(message.body);
     host->didReceiveScriptMessage(received);
 }
 
