@@ -1,6 +1,7 @@
 #include "webhost/navigation_policy.h"
 
 #include "config/session_details.h"
+#include "webhost/join_url.h"
 #include "webhost/local_pages.h"
 #include "webhost/view_controller.h"
 
@@ -51,6 +52,9 @@ platform::NavigationPolicy ViewController::decidePolicyFor(const platform::Navig
     case NavigationVerdict::allow:
         if (action.type != NavigationType::reload && action.type != NavigationType::other)
             reloadOnce_.customerGoesTo(action.url);
+        // It says that the application keeps trying, which a page that has loaded may have ended long ago.
+        if (server && action.type == NavigationType::backForward && action.url && isOfflinePage(*action.url))
+            NetworkMonitor::shared().startMonitoringReachability(joinUrl());
         return platform::NavigationPolicy::allow;
     case NavigationVerdict::openDeepLink:
         handleDeepLink(*action.url);

@@ -97,6 +97,15 @@ class Loaded(WeatherCase):
                                   [DID_FAIL + "The network connection was lost.", FAILED])
         self.fails_and_comes_back("server stops before a load", self.server_down, [FAILED])
 
+    def test_the_offline_page_is_no_dead_end_of_the_history(self):
+        self.start_well()
+        self.fails_and_comes_back("server stops before a load", self.server_down, [FAILED])
+        mark = self.log.mark()
+        self.forget_requests()
+        self.page.eval("setTimeout(() => history.back(), 300)")
+        self.shows("offline")
+        self.comes_back("page goes back to the offline page", mark, [])
+
     def test_a_server_that_answers_only_the_probes_is_asked_for_one_page_a_round(self):
         rounds = 4
         self.start_well()

@@ -281,5 +281,32 @@ TEST_F(ViewControllerTest, watchNoLongerWhenThePageThatTheCustomerWentBackToSays
     EXPECT_TRUE(probedAddresses().empty());
 }
 
+TEST_F(ViewControllerTest, watchAgainWhenTheCustomerGoesBackToTheOfflinePage) {
+    showView();
+    controller->didReceiveScriptMessage({"lumoraLoaded", ""});
+    const auto goTo = [this](platform::NavigationType type, const char* url) {
+        EXPECT_EQ(controller->decidePolicyFor({type, url, true, true}), platform::NavigationPolicy::allow);
+    };
+    goTo(platform::NavigationType::backForward, "https://server.example/join");
+    goTo(platform::NavigationType::backForward, "file:///App/Resources/MisconfigurationPage.html");
+    goTo(platform::NavigationType::linkActivated, "https://server.example/NoInternetPage.html");
+    EXPECT_TRUE(probedAddresses().empty());
+
+    goTo(platform::NavigationType::backForward, "file:///App/Resources/NoInternetPage.html");
+
+    EXPECT_EQ(probedAddresses(), Lines{"https://server.example/join"});
+}
+
+TEST_F(ViewControllerTest, watchNothingForTheOfflinePageWithoutAServer) {
+    showView();
+    controller->didReceiveScriptMessage({"lumoraLoaded", ""});
+    configure(std::nullopt, "join");
+
+    static_cast<void>(controller->decidePolicyFor(
+        {platform::NavigationType::backForward, "file:///App/Resources/NoInternetPage.html", true, true}));
+
+    EXPECT_TRUE(probedAddresses().empty());
+}
+
 } // namespace
 } // namespace lumora
