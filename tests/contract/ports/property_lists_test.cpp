@@ -144,6 +144,18 @@ TEST_F(PropertyListsContract, binaryListsOfOthersAreRead) {
                             "'\\xe9':'\\U0001f600','nine':9223372036854775807,'min':-9223372036854775808}")));
 }
 
+TEST_F(PropertyListsContract, aTextWithANulInABinaryListIsKeptWholeOrAnError) {
+    for (const auto& [written, text] : {std::pair{"'a\\0b'", std::string("a\0b", 3)},
+                                        {"'\\0'", std::string("\0", 1)},
+                                        {"'\\xe9\\0'", std::string("\xC3\xA9\0", 3)}}) {
+        const auto value = lists_.parse(binaryFromPython(written));
+        EXPECT_TRUE(!value || value.value() == PropertyListValue(text)) << written;
+        const auto keyed = lists_.parse(binaryFromPython(std::string("{") + written + ":True}"));
+        EXPECT_TRUE(!keyed || keyed.value() == PropertyListValue(PropertyListDictionary{{text, true}}))
+            << written;
+    }
+}
+
 TEST_F(PropertyListsContract, integersAboveTheSignedRangeKeepTheirSize) {
     EXPECT_EQ(PropertyListValue(18446744073709551615.0),
               parsed(document("<integer>18446744073709551615</integer>")));

@@ -125,10 +125,11 @@ class Checker {
             return std::nullopt;
         switch (kind) {
         case kData:
-        case kAscii:
             return leaf(position, length);
+        case kAscii:
+            return text(position, length, 1);
         case kUtf16:
-            return leaf(position, 2 * length);
+            return text(position, length, 2);
         case kArray:
             return container(position, length, level);
         case kDictionary:
@@ -154,6 +155,17 @@ class Checker {
         if (length > end_ - position)
             return std::nullopt;
         return Extent{1 + static_cast<std::size_t>(length), 1};
+    }
+
+    /// A NUL is no part of a text: the library would cut it there, or end the process.
+    [[nodiscard]] std::optional<Extent> text(std::size_t position, std::uint64_t length,
+                                             std::size_t unit) const {
+        const auto extent = leaf(position, unit * length);
+        for (std::size_t at = 0; extent && at < length; ++at) {
+            if (number(position + at * unit, unit) == 0)
+                return std::nullopt;
+        }
+        return extent;
     }
 
     std::optional<Extent> container(std::size_t position, std::uint64_t references, std::size_t level) {
