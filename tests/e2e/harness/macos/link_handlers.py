@@ -7,6 +7,7 @@ import subprocess
 import tempfile
 
 from harness import places
+from harness.opened_links import OpenedLinks
 
 REGISTER = ("/System/Library/Frameworks/CoreServices.framework/Frameworks/LaunchServices.framework/Support/lsregister")
 SCRIPT = """on open location link
@@ -15,15 +16,16 @@ end open location
 """
 
 
-class Handler:
+class Handler(OpenedLinks):
     def __init__(self, _, scheme):
         self._folder = pathlib.Path(tempfile.mkdtemp(prefix="link-handler-", dir=places.ROOT))
         # Not beside it: of some folders a person is asked whether an application may write there.
         self._notes = pathlib.Path(tempfile.mkdtemp())
-        self._opened = self._notes / "opened"
+        opened = self._notes / "opened"
+        super().__init__(opened)
         self._bundle = self._folder / "Lumora Link Handler.app"
         source = self._folder / "handler.applescript"
-        source.write_text(SCRIPT.format(opened=self._opened), encoding="utf-8")
+        source.write_text(SCRIPT.format(opened=opened), encoding="utf-8")
         subprocess.run(["osacompile", "-o", self._bundle, source], check=True)
         information = self._bundle / "Contents/Info.plist"
         told = plistlib.loads(information.read_bytes())
@@ -35,14 +37,6 @@ class Handler:
         # Its signature covers the property list.
         subprocess.run(["codesign", "--force", "--sign", "-", self._bundle], check=True)
         subprocess.run([REGISTER, "-f", self._bundle], check=True)
-
-    def opened(self):
-        """Whole lines only: the last one may be on its way."""
-        text = self._opened.read_text(encoding="utf-8") if self._opened.exists() else ""
-        return text.split("\n")[:-1]
-
-    def forget(self):
-        self._opened.unlink(missing_ok=True)
 
     def remove(self):
         subprocess.run([REGISTER, "-u", self._bundle], check=False)
