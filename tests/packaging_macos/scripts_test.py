@@ -38,7 +38,7 @@ class Refusals(PackagingScript):
         for script, (present, absent) in missing.items():
             with self.subTest(script=script):
                 for name in present:
-                    self.tools.add(name)
+                    self.tools.add_tool(name)
                 outcome = self.tools.run(script, *arguments.get(script, []))
                 self.assertRefuses(outcome, f"{script}: {absent} is missing: ")
         self.assertEqual([], self.tools.calls("cmake") + self.tools.calls("git"), "must refuse before it begins")
@@ -50,21 +50,21 @@ class Refusals(PackagingScript):
 
     def test_without_an_identity(self):
         for name in ("codesign", "security"):
-            self.tools.add(name)
+            self.tools.add_tool(name)
         self.assertRefuses(self.tools.run("sign", self.tools.folder(BUNDLE)), "LUMORA_SIGNING_IDENTITY is not set")
         self.assertRefuses(self.tools.run("release", "a.dmg"), "LUMORA_SIGNING_IDENTITY is not set")
         self.assertEqual([], self.tools.calls("codesign"))
 
     def test_with_an_identity_that_the_keychain_lacks(self):
-        self.tools.add("codesign")
-        self.tools.add("security", 'echo "0 valid identities found"')
+        self.tools.add_tool("codesign")
+        self.tools.add_tool("security", 'echo "0 valid identities found"')
         outcome = self.tools.run("sign", self.tools.folder(BUNDLE), LUMORA_SIGNING_IDENTITY=IDENTITY)
         self.assertRefuses(outcome, "no valid identity", IDENTITY)
         self.assertEqual([], self.tools.calls("codesign"))
 
     def test_without_a_notary_profile(self):
         for name in ("codesign", "ditto", "xcrun"):
-            self.tools.add(name)
+            self.tools.add_tool(name)
         self.assertRefuses(self.tools.run("notarise", self.tools.folder(BUNDLE)), "LUMORA_NOTARY_PROFILE is not set")
         outcome = self.tools.run("release", "a.dmg", LUMORA_SIGNING_IDENTITY=IDENTITY)
         self.assertRefuses(outcome, "LUMORA_NOTARY_PROFILE is not set")
@@ -72,7 +72,7 @@ class Refusals(PackagingScript):
 
     def test_without_what_they_work_on(self):
         for name in ("codesign", "ditto", "hdiutil", "rsvg-convert", "iconutil", "security", "xcrun"):
-            self.tools.add(name)
+            self.tools.add_tool(name)
         settings = {"LUMORA_SIGNING_IDENTITY": IDENTITY, "LUMORA_NOTARY_PROFILE": "profile"}
         for script, arguments in {"sign": ["gone.app"], "notarise": ["gone.app"], "make-image": ["gone.app", "a.dmg"],
                                   "make-icon": ["gone.svg", "a.icns"]}.items():
@@ -82,8 +82,8 @@ class Refusals(PackagingScript):
 
 class Work(PackagingScript):
     def sign(self, what):
-        self.tools.add("codesign")
-        self.tools.add("security", f'echo "  1) ABC \\"{IDENTITY}\\""')
+        self.tools.add_tool("codesign")
+        self.tools.add_tool("security", f'echo "  1) ABC \\"{IDENTITY}\\""')
         outcome = self.tools.run("sign", what, LUMORA_SIGNING_IDENTITY=IDENTITY)
         self.assertEqual(0, outcome.returncode, outcome.stderr)
         return self.tools.calls("codesign")
@@ -104,9 +104,9 @@ class Work(PackagingScript):
         self.assertNotIn("--entitlements", signing)
 
     def test_the_libraries_are_built_for_both_processors_and_the_oldest_system(self):
-        self.tools.add("git", 'mkdir -p "${@: -1}"')
+        self.tools.add_tool("git", 'mkdir -p "${@: -1}"')
         for name in ("cmake", "xcrun"):
-            self.tools.add(name)
+            self.tools.add_tool(name)
         for _ in range(2):
             outcome = self.tools.run("dependencies", self.tools.root / "libraries")
             self.assertEqual(0, outcome.returncode, outcome.stderr)
@@ -122,11 +122,11 @@ class Work(PackagingScript):
     def test_the_bundle_is_built_with_those_libraries_and_checked_for_both_processors(self):
         build = self.tools.root / "build"
         resources = build / BUNDLE / "Contents" / "Resources"
-        self.tools.add("git", 'mkdir -p "${@: -1}"')
-        self.tools.add("cmake", f'[[ $1 != --build || $2 != "{build}" ]] || mkdir -p "{resources}"')
-        self.tools.add("iconutil", 'echo icon > "$4"')
+        self.tools.add_tool("git", 'mkdir -p "${@: -1}"')
+        self.tools.add_tool("cmake", f'[[ $1 != --build || $2 != "{build}" ]] || mkdir -p "{resources}"')
+        self.tools.add_tool("iconutil", 'echo icon > "$4"')
         for name in ("lipo", "rsvg-convert", "xcrun"):
-            self.tools.add(name)
+            self.tools.add_tool(name)
         libraries = self.tools.root / "libraries"
         outcome = self.tools.run("build-bundle", build, libraries)
         self.assertEqual(0, outcome.returncode, outcome.stderr)
@@ -139,8 +139,8 @@ class Work(PackagingScript):
 
     def test_the_image_holds_the_bundle_alone_under_the_name_that_self_update_mounts(self):
         bundle = self.tools.folder(BUNDLE)
-        self.tools.add("ditto", 'cp -R "$1" "$2"')
-        self.tools.add("hdiutil", 'while [[ $1 != -srcfolder ]]; do shift; done; ls -A "$2" > "$HOME/contents"')
+        self.tools.add_tool("ditto", 'cp -R "$1" "$2"')
+        self.tools.add_tool("hdiutil", 'while [[ $1 != -srcfolder ]]; do shift; done; ls -A "$2" > "$HOME/contents"')
         outcome = self.tools.run("make-image", bundle, "a.dmg")
         self.assertEqual(0, outcome.returncode, outcome.stderr)
         (creation,) = self.tools.calls("hdiutil")
@@ -152,18 +152,18 @@ class Work(PackagingScript):
     def test_an_image_is_tried_again_while_its_volume_is_busy_and_given_up_in_the_end(self):
         bundle = self.tools.folder(BUNDLE)
         for name in ("ditto", "sleep"):
-            self.tools.add(name)
-        self.tools.add("hdiutil", '[ "$(grep -c hdiutil "$HOME/calls")" = 3 ]')
+            self.tools.add_tool(name)
+        self.tools.add_tool("hdiutil", '[ "$(grep -c hdiutil "$HOME/calls")" = 3 ]')
         self.assertEqual(0, self.tools.run("make-image", bundle, "a.dmg").returncode)
         self.assertEqual(3, len(self.tools.calls("hdiutil")))
-        self.tools.add("hdiutil", "false")
+        self.tools.add_tool("hdiutil", "false")
         self.assertRefuses(self.tools.run("make-image", bundle, "a.dmg"), "make-image: hdiutil makes no image")
         self.assertEqual(3 + 5, len(self.tools.calls("hdiutil")))
 
     def test_a_bundle_is_notarised_as_an_archive_and_stapled_itself(self):
         bundle = self.tools.folder(BUNDLE)
         for name in ("ditto", "xcrun"):
-            self.tools.add(name)
+            self.tools.add_tool(name)
         outcome = self.tools.run("notarise", bundle, LUMORA_NOTARY_PROFILE="profile")
         self.assertEqual(0, outcome.returncode, outcome.stderr)
         _, submission, stapling, validation = self.tools.calls("xcrun")
@@ -175,8 +175,8 @@ class Work(PackagingScript):
         self.assertEqual(["stapler", "validate", str(bundle)], validation)
 
     def test_nothing_is_stapled_when_the_notary_refuses(self):
-        self.tools.add("ditto")
-        self.tools.add("xcrun", '[[ $1 != notarytool ]]')
+        self.tools.add_tool("ditto")
+        self.tools.add_tool("xcrun", '[[ $1 != notarytool ]]')
         outcome = self.tools.run("notarise", self.tools.file("a.dmg"), LUMORA_NOTARY_PROFILE="profile")
         self.assertNotEqual(0, outcome.returncode)
         self.assertEqual([], [call for call in self.tools.calls("xcrun") if call[0] == "stapler"])

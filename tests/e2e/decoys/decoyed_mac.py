@@ -6,12 +6,14 @@ Each tool writes its words to a list and does to the folder what the real one do
 import os
 import pathlib
 import plistlib
-import shutil
 import subprocess
 import sys
 import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE.parents[1] / "shared"))
+from recording_tools import RecordingTools  # noqa: E402  (what several folders of tests use)
+
 WORLD = HERE.parent / "world"
 ENTER = HERE / "enter_decoyed.py"
 HOSTS = "127.0.0.1 localhost\n255.255.255.255 broadcasthost\n"
@@ -88,20 +90,17 @@ elif words[0] == "delete":
 """
 
 
-class DecoyedMac:
+class DecoyedMac(RecordingTools):
     def __init__(self):
         self._folder = tempfile.TemporaryDirectory()
         self.root = pathlib.Path(self._folder.name).resolve()
+        super().__init__(self.root, ORDINARY, f'MAC="{self.root}"\n')
         self.home = self.root / "home"
-        self.bin = self.root / "bin"
-        self.calls_file = self.root / "calls"
-        for folder in ("bin", "etc", "home/Library/Preferences", "Applications", "Library/Preferences", "Volumes"):
+        for folder in ("etc", "home/Library/Preferences", "Applications", "Library/Preferences", "Volumes"):
             (self.root / folder).mkdir(parents=True)
         (self.root / "etc/hosts").write_text(HOSTS)
         (self.root / "manager").write_text("Aqua\n")
         (self.root / "keychain").write_text("SHA-1 hash: AAAA\n")
-        for name in ORDINARY:
-            (self.bin / name).symlink_to(shutil.which(name))
         for name, body in TOOLS.items():
             self.add_tool(name, body)
         self.add_tool("defaults", f'exec {sys.executable} "{self.root}/defaults.py" "$@"')
@@ -109,17 +108,6 @@ class DecoyedMac:
 
     def close(self):
         self._folder.cleanup()
-
-    def add_tool(self, name, body):
-        tool = self.bin / name
-        tool.unlink(missing_ok=True)  # it may be a link to the machine's own
-        tool.write_text(f'#!/bin/bash\n(IFS="|"; echo "{name}|$*") >> "{self.calls_file}"\nMAC="{self.root}"\n{body}\n')
-        tool.chmod(0o755)
-
-    def calls(self, name):
-        """The words of each call of one tool."""
-        lines = self.calls_file.read_text().splitlines() if self.calls_file.exists() else []
-        return [line.split("|")[1:] for line in lines if line.split("|")[0] == name]
 
     @property
     def environment(self):
