@@ -6,7 +6,7 @@ import re
 import shutil
 import stat
 
-from harness import agent, images, places, system, waiting
+from harness import agent, bundles, images, places, system, waiting
 from harness.case import (AGENT_VERSION, CHECK_PATH, EMAIL, IMAGE_PATH, KEY, TOKEN, WEB_SERVER, EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 
@@ -17,23 +17,6 @@ DOWNLOADER = "-[OvraDmgDownloader "
 COPY = DOWNLOADER + "copyAppFileAndLaunch] "
 LAUNCH = (DOWNLOADER + "workspaceLaunchApplication:] : LaunchApplication: Ovra.app launched successfully with args : ")
 OWN_LINES = (BRIDGE, CHECK, UPGRADER, DOWNLOADER, "setupProxyDetails")
-
-
-def tree(folder):
-    """What a copy must keep of each entry: kind, mode, modification time, content or target."""
-    found = {}
-    for place, folders, files in os.walk(folder):
-        for name in folders + files:
-            path = os.path.join(place, name)
-            status = os.lstat(path)
-            if stat.S_ISLNK(status.st_mode):
-                content = os.readlink(path)
-            else:
-                content = open(path, "rb").read() if stat.S_ISREG(status.st_mode) else None
-            # A link's own mode and time have no meaning on every file system.
-            rest = () if stat.S_ISLNK(status.st_mode) else (stat.S_IMODE(status.st_mode), int(status.st_mtime))
-            found[os.path.relpath(path, folder)] = (stat.S_IFMT(status.st_mode), content, *rest)
-    return found
 
 
 class Join(EndToEndCase):
@@ -105,9 +88,10 @@ class Join(EndToEndCase):
         shutil.rmtree(original, ignore_errors=True)
         images.extract(self.data_centre.agent_image, original)
         for name in ["Ovra.app", "tools_mac"]:
-            self.assertEqual(tree(self.home.agent_folder / name), tree(original / name))
-        installed = tree(self.home.agent)
-        self.assertTrue(any(stat.S_ISLNK(entry[0]) for entry in installed.values()), "the bundle holds no link")
+            self.assertEqual(bundles.kept_by_a_copy(self.home.agent_folder / name),
+                             bundles.kept_by_a_copy(original / name))
+        installed = bundles.contents(self.home.agent)
+        self.assertTrue(any(kind == "link" for kind, *_ in installed.values()), "the bundle holds no link")
         for name in agent.HELPERS[:-1]:
             installed = self.home.agent_folder / name
             self.assertTrue(installed.stat().st_mode & stat.S_IXUSR, f"{name} is not executable")

@@ -32,6 +32,12 @@ def modes(bundle):
     return {name: stat.S_IMODE(os.lstat(path).st_mode) for name, path in paths.items() if not os.path.islink(path)}
 
 
+def kept_by_a_copy(bundle):
+    """Contents, and but for links, whose own have no meaning on every file system, permissions and whole seconds."""
+    times = {name: int(os.lstat(os.path.join(bundle, name)).st_mtime) for name in modes(bundle)}
+    return contents(bundle), modes(bundle), times
+
+
 def picture(bundle):
     """Everything that a touch would change: contents, permissions, times and the very entries. None: nothing there."""
     if not os.path.lexists(bundle):
