@@ -3,7 +3,7 @@
 import json
 import subprocess
 
-from harness import places, screen, waiting
+from harness import places, waiting
 from harness.case import (EndToEndCase,
                           set_up_module as setUpModule, tear_down_module as tearDownModule)  # noqa: F401
 from harness.linux.screen_reader import ENVIRONMENT, ScreenReader

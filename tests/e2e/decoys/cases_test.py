@@ -1,7 +1,6 @@
 """The cases as a Mac loads them: the same ones, each of them with its harness, and few that only Linux can run."""
 
 import os
-import pathlib
 import sys
 import tempfile
 import unittest
