@@ -12,14 +12,18 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <new>
 #include <optional>
+#include <thread>
 #include <type_traits>
 #include <utility>
 
 namespace lumora::platform::linux_backend {
 namespace {
+
+constexpr auto kPause = std::chrono::milliseconds(20);
 
 enum class Occupant { nobody, ownVolume, stranger };
 
@@ -114,8 +118,36 @@ void refuseStranger(const MountPoint& mountPoint, const std::filesystem::path& p
     }
 }
 
+/// The place of a new volume, nobody else's for as long as this lives.
+struct Place {
+    FileDescriptor lock; // of the volumes' folder
+    MountPoint before;
+    FileDescriptor former; // the volume that stands there, if it is ours, locked
+};
+
+/// Waits for whoever copies something out of the former volume: renamed under him, it would come to nothing. Who does so
+/// for longer than the patience counts as hung.
+Place takePlace(const VolumesFolder& volumes, const std::string& name, const std::filesystem::path& path,
+                std::chrono::milliseconds patience) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    for (;;) {
+        Place place{volumes.lock(), examine(volumes, name), {}};
+        refuseStranger(place.before, path);
+        if (place.before.occupant == Occupant::nobody) {
+            return place;
+        }
+        std::optional<FileDescriptor> claimed = volumes.claim(name);
+        if (claimed || std::chrono::steady_clock::now() >= deadline) {
+            place.former = std::move(claimed).value_or(FileDescriptor());
+            return place;
+        }
+        place.lock = FileDescriptor();
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
 Attachment mountImage(const std::filesystem::path& folder, const DiskImageLimits& limits,
-                      const std::filesystem::path& imagePath) {
+                      std::chrono::milliseconds patience, const std::filesystem::path& imagePath) {
     const FileDescriptor image = openImage(imagePath);
     const IsoVolume volume = readIsoVolume(image.get());
     checkIsoDirectories(image.get(), volume, limits.entries);
@@ -135,9 +167,8 @@ Attachment mountImage(const std::filesystem::path& folder, const DiskImageLimits
 
     unpackIso(image.get(), aside->descriptor(), limits);
 
-    const FileDescriptor lock = volumes.lock();
-    const MountPoint before = examine(volumes, volume.name);
-    refuseStranger(before, path);
+    Place place = takePlace(volumes, volume.name, path, patience);
+    const MountPoint& before = place.before;
     AttachmentRecord record{std::filesystem::absolute(imagePath).string(),
                             {VolumeIdentity::of(aside->descriptor())}};
     if (before.occupant == Occupant::ownVolume) {
@@ -145,7 +176,8 @@ Attachment mountImage(const std::filesystem::path& folder, const DiskImageLimits
     }
     AttachmentRecords(volumes.descriptor()).write(volume.name, record);
     if (before.occupant == Occupant::ownVolume) {
-        exchange(volumes.descriptor(), aside->name(), volume.name); // what is aside now is the former volume
+        exchange(volumes.descriptor(), aside->name(), volume.name);
+        aside->standFor(std::move(place.former));
     } else {
         putInPlace(volumes.descriptor(), aside->name(), volume.name);
         aside->keep();
@@ -176,12 +208,16 @@ void detachVolume(const std::filesystem::path& folder, const std::filesystem::pa
         if (examine(volumes, name).occupant != Occupant::ownVolume) {
             throw DiskImageFailure("no volume attached by this user at " + printable(mountPoint.string()));
         }
+        std::optional<FileDescriptor> claimed = volumes.claim(name);
+        if (!claimed) {
+            throw DiskImageFailure(printable(mountPoint.string()) + " is in use", EBUSY);
+        }
         // Out of sight in one step, whatever the removal then meets.
         std::string hidden = VolumesFolder::asideName(name);
         if (::renameat(volumes.descriptor(), name.c_str(), volumes.descriptor(), hidden.c_str()) != 0) {
             throwErrno("cannot detach " + printable(mountPoint.string()));
         }
-        aside.emplace(volumes.descriptor(), std::move(hidden), FileDescriptor());
+        aside.emplace(volumes.descriptor(), std::move(hidden), std::move(*claimed));
         AttachmentRecords(volumes.descriptor()).erase(name);
     }
     aside->remove();
@@ -222,11 +258,12 @@ auto guarded(Operation operation) -> Result<decltype(operation())> {
 
 } // namespace
 
-DiskImages::DiskImages(std::filesystem::path volumesFolder, DiskImageLimits limits)
-    : folder_(std::move(volumesFolder)), limits_(limits) {}
+DiskImages::DiskImages(std::filesystem::path volumesFolder, DiskImageLimits limits,
+                       std::chrono::milliseconds patience)
+    : folder_(std::move(volumesFolder)), limits_(limits), patience_(patience) {}
 
 Result<Attachment> DiskImages::mount(const std::filesystem::path& image) {
-    return guarded([&] { return mountImage(folder_, limits_, image); });
+    return guarded([&] { return mountImage(folder_, limits_, patience_, image); });
 }
 
 Result<void> DiskImages::detach(const std::filesystem::path& mountPoint) {

@@ -3,6 +3,7 @@
 #include "platform/linux/hdiutil/volume_unpacker.h"
 #include "platform/result.h"
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -25,14 +26,17 @@ struct Attachment {
 /// code 0 where the image or the argument itself is at fault. Their descriptions are one line.
 class DiskImages {
   public:
-    explicit DiskImages(std::filesystem::path volumesFolder = "/Volumes", DiskImageLimits limits = {});
+    /// @param patience  how long a mount waits for those who copy something out of the volume that it takes the place of
+    explicit DiskImages(std::filesystem::path volumesFolder = "/Volumes", DiskImageLimits limits = {},
+                        std::chrono::milliseconds patience = std::chrono::minutes(1));
 
     /// Mounts the ISO 9660 image at the folder's entry of the volume's name. A volume that this user attached under the
     /// same name gives way to the new one; any other entry of that name is an error and stays as it is.
     [[nodiscard]] Result<Attachment> mount(const std::filesystem::path& image);
 
     /// Removes the volume at `mountPoint`, an absolute path that may end in slashes, if this user attached it; changes
-    /// made in it meanwhile are lost. Anything else there is an error and stays as it is.
+    /// made in it meanwhile are lost. Anything else there is an error and stays as it is. So does a volume that somebody
+    /// copies something out of, which he tells by a shared lock on its folder (EBUSY).
     [[nodiscard]] Result<void> detach(const std::filesystem::path& mountPoint);
 
     /// This user's mounted volumes, by name.
@@ -41,6 +45,7 @@ class DiskImages {
   private:
     std::filesystem::path folder_;
     DiskImageLimits limits_;
+    std::chrono::milliseconds patience_;
 };
 
 } // namespace lumora::platform::linux_backend

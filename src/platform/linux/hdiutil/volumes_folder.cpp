@@ -81,6 +81,14 @@ FileDescriptor VolumesFolder::lock() const {
     return held;
 }
 
+std::optional<FileDescriptor> VolumesFolder::claim(const std::string& volume) const {
+    FileDescriptor folder(::openat(folder_.get(), volume.c_str(), kFolderFlags | O_NOFOLLOW));
+    if (folder && ::flock(folder.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        return std::nullopt;
+    }
+    return folder;
+}
+
 std::string VolumesFolder::asideName(const std::string& volume) {
     std::random_device random;
     return fmt::format(".{}{}{:08x}{:08x}", volume, kAsideMark, random(), random());

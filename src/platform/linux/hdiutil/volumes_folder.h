@@ -3,6 +3,7 @@
 #include "platform/linux/hdiutil/file_descriptor.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,6 +27,8 @@ class AsideFolder {
     void remove();
     /// The folder now stands under another name: nothing is left to remove.
     void keep() noexcept { name_.clear(); }
+    /// Another folder has taken its name, and is removed in its stead. @param held  that one, with its lock
+    void standFor(FileDescriptor held) noexcept { held_ = std::move(held); }
 
   private:
     int volumes_;
@@ -47,6 +50,10 @@ class VolumesFolder {
 
     /// Creates an aside folder for the volume. Call under the lock.
     [[nodiscard]] AsideFolder makeAside(const std::string& volume) const;
+
+    /// The volume's folder, locked until the result is destroyed against everybody who copies something out of it; nothing
+    /// while somebody does so. A volume that cannot be locked at all counts as one that nobody uses. Call under the lock.
+    [[nodiscard]] std::optional<FileDescriptor> claim(const std::string& volume) const;
 
     /// A free name for an aside folder of the volume.
     [[nodiscard]] static std::string asideName(const std::string& volume);

@@ -1,7 +1,6 @@
 #include "platform/linux/ports/linux_file_manager.h"
 
 #include "platform/linux/ports/file_tree.h"
-#include "platform/linux/ports/volumes.h"
 #include "platform/posix/posix_error.h"
 #include "platform/posix/temporary_sibling.h"
 
@@ -49,7 +48,8 @@ bool liesInside(const std::string& destination, const std::string& source) {
 
 } // namespace
 
-LinuxFileManager::LinuxFileManager(HomeFolder home) : home_(std::move(home)) {}
+LinuxFileManager::LinuxFileManager(HomeFolder home, std::string volumes)
+    : home_(std::move(home)), volumes_(std::move(volumes)) {}
 
 std::string LinuxFileManager::homeDirectory() { return home_.path(); }
 
@@ -90,8 +90,9 @@ Result<void> LinuxFileManager::copyItem(const std::string& source, const std::st
     const auto to = resolved(destination);
     if (!from || !to)
         return from ? to.error() : from.error();
-    if (const int error = findVolumeObstacle(from.value()); error != 0)
-        return posixError(error, source);
+    const VolumeReading reading(from.value(), volumes_);
+    if (reading.obstacle() != 0)
+        return posixError(reading.obstacle(), source);
 
     struct stat status {};
     if (::lstat(from.value().c_str(), &status) != 0)

@@ -1,0 +1,82 @@
+#include "disk_image_fixture.h"
+#include "platform/linux/hdiutil/file_descriptor.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <cerrno>
+#include <chrono>
+#include <future>
+
+namespace lumora::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using platform::linux_backend::DiskImages;
+using platform::linux_backend::FileDescriptor;
+
+/// Whoever copies something out of a volume holds its folder locked, shared.
+class VolumesInUse : public DiskImageFixture {
+  protected:
+    void SetUp() override {
+        fillTree();
+        ASSERT_TRUE(images().mount(makeOvraImage()));
+        before_ = pictureOf(ovra_);
+        writeFile(tree_ / "new", "new");
+        newer_ = makeOvraImage("newer.iso");
+    }
+
+    [[nodiscard]] FileDescriptor use() const {
+        FileDescriptor volume(::open(ovra_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        EXPECT_EQ(::flock(volume.get(), LOCK_SH | LOCK_NB), 0);
+        return volume;
+    }
+
+    std::filesystem::path ovra_ = volumes_ / "Ovra";
+    TreePicture before_;
+    std::filesystem::path newer_;
+};
+
+TEST_F(VolumesInUse, areNotDetached) {
+    FileDescriptor reader = use();
+
+    const auto refused = images().detach(ovra_);
+
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().code, EBUSY);
+    EXPECT_NE(refused.error().localizedDescription.find("is in use"), std::string::npos);
+    EXPECT_EQ(pictureOf(ovra_), before_);
+    expectVolumes({"Ovra"});
+
+    reader = FileDescriptor();
+    EXPECT_TRUE(images().detach(ovra_));
+    expectNoVolumes();
+}
+
+TEST_F(VolumesInUse, areReplacedOnlyWhenTheirUserIsDone) {
+    FileDescriptor reader = use();
+    auto mounting = std::async(std::launch::async, [&] { return images().mount(newer_); });
+
+    // Without the waiting it is done well within this, with it never.
+    EXPECT_EQ(mounting.wait_for(1s), std::future_status::timeout);
+    EXPECT_EQ(pictureOf(ovra_), before_);
+
+    reader = FileDescriptor();
+    const auto mounted = mounting.get();
+    ASSERT_TRUE(mounted) << mounted.error().localizedDescription;
+    EXPECT_EQ(pictureOf(ovra_), pictureOf(tree_));
+    expectVolumes({"Ovra"});
+}
+
+TEST_F(VolumesInUse, areReplacedAllTheSameWhenTheirUserHangs) {
+    const FileDescriptor reader = use();
+
+    const auto mounted = DiskImages(volumes_, {}, 10ms).mount(newer_);
+
+    ASSERT_TRUE(mounted) << mounted.error().localizedDescription;
+    EXPECT_EQ(pictureOf(ovra_), pictureOf(tree_));
+    expectVolumes({"Ovra"});
+}
+
+} // namespace
+} // namespace lumora::testing
