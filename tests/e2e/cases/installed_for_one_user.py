@@ -6,7 +6,7 @@ import plistlib
 import shutil
 import subprocess
 
-from harness import agent, places, waiting
+from harness import places, waiting
 from harness.case import set_up_module, tear_down_module as tearDownModule  # noqa: F401
 from harness.linux import ordinary_user
 from harness.linux.ordinary_user import UID, OrdinaryUserCase
@@ -58,12 +58,7 @@ class InstalledForOneUser(OrdinaryUserCase):
         self.data_centre.answer(application={"representation": {"update": True, "download_url": None}})
 
     def test_joins(self):
-        self.start_as_user()
-        self.wait_for_launch_checks()
-        self.join()
-        self.wait_for_install()
-        record, = agent.wait_for_records(self.home)
-        self.assert_agent_was_given(record, self.assert_join_details())
+        self.assert_joins()
         self.close()
 
     def test_update_takes_the_bundles_place_and_starts(self):

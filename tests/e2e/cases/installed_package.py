@@ -9,11 +9,11 @@ import unittest
 import unittest.mock
 
 from cases import join
-from cases.uninstall import press
-from harness import agent, application, case, places, waiting
+from harness import application, case, places, waiting
 from harness.linux import ordinary_user, polkit
 from harness.linux.machine import TRUST_STORE
 from harness.linux.ordinary_user import UID
+from harness.linux.uninstall_case import press
 from harness.log_file import Log
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "packaging"))
@@ -77,12 +77,7 @@ class InstalledCommand(case.EndToEndCase):
 
 class OrdinaryUser(ordinary_user.OrdinaryUserCase):
     def test_joins(self):
-        self.start_as_user()
-        self.wait_for_launch_checks()
-        self.join()
-        self.wait_for_install()
-        record, = agent.wait_for_records(self.home)
-        self.assert_agent_was_given(record, self.assert_join_details())
+        self.assert_joins()
         self.assert_nothing_left_behind()
         self.assertEqual(self.home.join_details.stat().st_uid, UID)
         self.assertEqual(os.listdir("/Library"), [])
@@ -99,7 +94,6 @@ class OrdinaryUser(ordinary_user.OrdinaryUserCase):
         self.start_as_user({})
         self.log.wait_for("+[Utils parseCommandLineArgs] : Arguments Read From Preferences => WebServerName : "
                           "eu.ovratessel.example , LumoraToken : their-own , DC = eu")
-
 
     def test_uninstalling_while_it_runs_leaves_nothing_of_it_in_the_home(self):
         self.start_as_user()

@@ -8,7 +8,7 @@ import subprocess
 import sys
 import unittest.mock
 
-from harness import application, case, places, waiting
+from harness import agent, application, case, places, waiting
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "world/linux"))
 import services  # noqa: E402  (the world's session bus)
@@ -62,3 +62,12 @@ class OrdinaryUserCase(case.EndToEndCase):
     def start_as_user(self, arguments=None, **more):
         with unittest.mock.patch.object(application.subprocess, "Popen", self.as_user):
             return self.start(arguments, self.environment, **more)
+
+    def assert_joins(self):
+        """From the start to the agent that runs with what it needs to know; the application goes on."""
+        self.start_as_user()
+        self.wait_for_launch_checks()
+        self.join()
+        self.wait_for_install()
+        record, = agent.wait_for_records(self.home)
+        self.assert_agent_was_given(record, self.assert_join_details())
