@@ -28,7 +28,7 @@ void ApiAnswers::override(const Json& overrides) {
         throw std::invalid_argument("a JSON object is expected");
     for (const auto& [name, body] : overrides.items())
         if (std::none_of(kQuestions.begin(), kQuestions.end(),
-                         [&name = name](const auto& q) { return q.name == name; }))
+                         [&wanted = name](const auto& q) { return q.name == wanted; }))
             throw std::invalid_argument(fmt::format("there is no answer \"{}\"", name));
     const std::lock_guard lock(mutex_);
     for (const auto& [name, body] : overrides.items()) {
