@@ -24,6 +24,15 @@ void LoadJournal::hostLoads(Navigation navigation, std::string address, std::str
     written_ = std::move(written);
 }
 
+LoadJournal::Wish LoadJournal::hostWishesFor(const std::function<bool(const std::string&)>& isThatPage) {
+    if (isThatPage(awaited_))
+        return Wish::nothing;
+    if (!isThatPage(standing_))
+        return Wish::load;
+    hostWithdraws();
+    return Wish::stopLoading;
+}
+
 void LoadJournal::hostWithdraws() {
     replace(hosts_);
     replace(underWay_);

@@ -2,6 +2,7 @@
 
 #include "platform/result.h"
 
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -18,6 +19,14 @@ class LoadJournal {
     /// The host has asked for a load; the engine asks the navigation policy about it next.
     /// @param written  the address as the host wrote it
     void hostLoads(Navigation navigation, std::string address, std::string written);
+
+    /// What is to become of the host's wish for a page that stands by itself, such as a local one.
+    enum class Wish { load, nothing, stopLoading };
+
+    /// The host wishes for such a page, which is not loaded again: it may be on its way already, or stand, and then only what was
+    /// to replace it is given up.
+    /// @param isThatPage  whether an address is the page's
+    [[nodiscard]] Wish hostWishesFor(const std::function<bool(const std::string& address)>& isThatPage);
 
     /// The host gives up what is under way.
     void hostWithdraws();

@@ -247,5 +247,37 @@ TEST_F(LoadJournals, theHostsOwnLoadIsJudgedAsItWasWritten) {
     EXPECT_EQ("https://host.example/", journal.asWritten("https://host.example/"));
 }
 
+TEST_F(LoadJournals, aWishForThePageThatIsOnItsWayChangesNothing) {
+    const auto isLocal = [](const std::string& address) { return address == "file:///page"; };
+    EXPECT_EQ(LoadJournal::Wish::load, journal.hostWishesFor(isLocal));
+    hostLoadsAndBegins(first, "file:///page");
+
+    EXPECT_EQ(LoadJournal::Wish::nothing, journal.hostWishesFor(isLocal));
+
+    EXPECT_EQ("file:///page", journal.awaited());
+    EXPECT_TRUE(journal.failed(first, Failure::other));
+}
+
+TEST_F(LoadJournals, aWishForThePageThatStandsGivesUpWhatWasToReplaceIt) {
+    const auto isLocal = [](const std::string& address) { return address == "file:///page"; };
+    stands(first, "file:///page");
+    hostLoadsAndBegins(second, "https://one/");
+
+    EXPECT_EQ(LoadJournal::Wish::stopLoading, journal.hostWishesFor(isLocal));
+
+    EXPECT_EQ("file:///page", journal.newest());
+    EXPECT_FALSE(journal.failed(second, Failure::other));
+}
+
+TEST_F(LoadJournals, aWishForAnotherPageThanStandsAndComesIsALoad) {
+    const auto isLocal = [](const std::string& address) { return address == "file:///page"; };
+    stands(first, "https://one/");
+    hostLoadsAndBegins(second, "https://two/");
+
+    EXPECT_EQ(LoadJournal::Wish::load, journal.hostWishesFor(isLocal));
+
+    EXPECT_EQ("https://two/", journal.awaited());
+}
+
 } // namespace
 } // namespace lumora

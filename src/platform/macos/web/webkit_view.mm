@@ -64,14 +64,12 @@ class WebKitView final : public WebView {
     void loadFile(const std::string& path, const std::string& readAccessFolder) override {
         atPort([&] {
             NSURL* file = [NSURL fileURLWithPath:nsString(path)];
-            LoadJournal& journal = engineDelegate_->journal;
-            if (isFile(journal.awaited(), file))
-                return;
-            if (isFile(journal.standing(), file)) { // it stays; what was to replace it does not come
-                journal.hostWithdraws();
+            const auto wish = engineDelegate_->journal.hostWishesFor(
+                [file](const std::string& address) { return isFile(address, file); });
+            if (wish == LoadJournal::Wish::stopLoading)
                 [view_ stopLoading];
+            if (wish != LoadJournal::Wish::load)
                 return;
-            }
             begun([view_ loadFileURL:file
                       allowingReadAccessToURL:[NSURL fileURLWithPath:nsString(readAccessFolder)
                                                          isDirectory:YES]],
