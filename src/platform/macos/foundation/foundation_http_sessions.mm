@@ -100,12 +100,14 @@ class FoundationHttpSession final : public CheckedHttpSession {
     void endWhenIdle() override { [session_ finishTasksAndInvalidate]; }
 
     void onOwnThread(std::function<void()> work) override {
-        [session_.delegateQueue addOperationWithBlock:^{
+        [queue_ addOperationWithBlock:^{
             work();
         }];
     }
 
     NSURLSession* const session_;
+    NSOperationQueue* const queue_ =
+        session_.delegateQueue; // kept: it is asked for after the session's end too
 };
 
 } // namespace
