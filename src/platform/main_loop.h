@@ -26,7 +26,8 @@ class SerialQueue {
     virtual void async(std::function<void()> work) = 0;
 };
 
-/// The main thread's run loop and the platform's background queues.
+/// The main thread's run loop and the platform's background queues. What a piece of work raises, here, in a queue or in a
+/// timer, ends that piece alone and is logged: above it stand only frames of others, through which nothing may pass.
 class MainLoop {
   public:
     virtual ~MainLoop() = default;

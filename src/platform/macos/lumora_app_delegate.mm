@@ -5,6 +5,7 @@
 #include "platform/macos/macos_backend.h"
 #include "platform/ports_of.h"
 #include "shell/app_delegate.h"
+#include "support/exception_guard.h"
 #include "webhost/view_controller.h"
 
 #include <cstdio>
@@ -53,7 +54,9 @@ static void leaveAtOnce() {
 }
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)application {
-    return _delegate->applicationShouldTerminateAfterLastWindowClosed();
+    bool ends = true;
+    guarded(__func__, [&] { ends = _delegate->applicationShouldTerminateAfterLastWindowClosed(); });
+    return ends;
 }
 
 - (void)applicationWillTerminate:(NSNotification*)notification {

@@ -1,3 +1,6 @@
+#include "platform/ports.h"
+#include "platform/posix/posix_process_info.h"
+#include "platform/posix/posix_standard_streams.h"
 #include "running_loop.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +10,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -18,6 +22,12 @@ using platform::TimerMode;
 
 class MainLoopContract : public ::testing::Test {
   protected:
+    MainLoopContract() {
+        platform::ports().processInfo = &processInfo_;
+        platform::ports().standardStreams = &streams_;
+    }
+    ~MainLoopContract() override { platform::ports() = {}; }
+
     [[nodiscard]] platform::MainLoop& loop() { return running_->loop(); }
     [[nodiscard]] bool runUntil(const RunningLoop::Condition& condition) {
         return running_->runUntil(condition, 20s);
@@ -30,6 +40,9 @@ class MainLoopContract : public ::testing::Test {
     }
 
   private:
+    // For the lines about what a test's work raises.
+    platform::posix_backend::PosixProcessInfo processInfo_;
+    platform::posix_backend::PosixStandardStreams streams_;
     std::unique_ptr<RunningLoop> running_ = makeRunningLoop();
 };
 
@@ -114,6 +127,31 @@ TEST_F(MainLoopContract, workThatWaitsWhenItsQueueGoesStillRuns) {
             queue->async([&] { ++ran; });
     }
     EXPECT_TRUE(runUntil([&] { return ran == 20; }));
+}
+
+TEST_F(MainLoopContract, whatWorkRaisesEndsThisWorkAlone) {
+    const auto queue = loop().makeSerialQueue("com.example.queue");
+    std::atomic<int> ran = 0;
+    for (const bool raises : {true, false}) {
+        const auto work = [&ran, raises] {
+            if (raises)
+                throw std::runtime_error("raised by a test");
+            ++ran;
+        };
+        loop().asyncOnMain(work);
+        loop().asyncInBackground(work);
+        queue->async(work);
+    }
+    EXPECT_TRUE(runUntil([&] { return ran == 3; }));
+}
+
+TEST_F(MainLoopContract, aTimerWhoseActionRaisesFiresAgain) {
+    int fired = 0;
+    const auto timer = loop().scheduleTimer(10ms, TimerMode::commonModes, [&] {
+        ++fired;
+        throw std::runtime_error("raised by a test");
+    });
+    EXPECT_TRUE(runUntil([&] { return fired > 1; }));
 }
 
 TEST_F(MainLoopContract, aTimerRepeatsInItsRhythm) {

@@ -1,6 +1,7 @@
 #include "platform/linux/gui/glib_main_loop.h"
 
 #include "platform/linux/gui/repeating_source.h"
+#include "support/exception_guard.h"
 
 namespace lumora::platform::linux_backend {
 
@@ -13,11 +14,11 @@ constexpr gint kBackgroundThreads = 64;
 
 void runAndForget(gpointer data, gpointer) {
     const std::unique_ptr<Work> work(static_cast<Work*>(data));
-    (*work)();
+    guarded(__func__, *work);
 }
 
 gboolean runOnce(gpointer data) {
-    (*static_cast<Work*>(data))();
+    guarded(__func__, *static_cast<Work*>(data));
     return G_SOURCE_REMOVE;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/linux/gui/repeating_source.h"
 
+#include "support/exception_guard.h"
+
 #include <algorithm>
 #include <memory>
 #include <new>
@@ -51,7 +53,7 @@ gboolean dispatch(GSource* source, GSourceFunc, gpointer) {
     const std::shared_ptr<Firing> firing = firingOf(source);
     const gint64 late = g_get_monotonic_time() - firing->next;
     firing->next += (late / firing->interval + 1) * firing->interval;
-    firing->action();
+    guarded(__func__, firing->action);
     return G_SOURCE_CONTINUE;
 }
 

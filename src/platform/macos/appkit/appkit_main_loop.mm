@@ -1,5 +1,7 @@
 #include "platform/macos/appkit/appkit_main_loop.h"
 
+#include "support/exception_guard.h"
+
 #import <Foundation/Foundation.h>
 #import <dispatch/dispatch.h>
 
@@ -14,7 +16,7 @@ class RunLoopTimer final : public Timer {
                                         repeats:YES
                                           block:^(NSTimer*) {
                                               const auto held = action; // the action may end its own timer
-                                              held();
+                                              guarded(__func__, held);
                                           }]) {
         [NSRunLoop.mainRunLoop addTimer:timer_ forMode:mode];
     }
@@ -33,7 +35,7 @@ class DispatchQueue final : public SerialQueue {
 
     void async(std::function<void()> work) override {
         dispatch_async(queue_, ^{
-            work();
+            guarded(__func__, work);
         });
     }
 
@@ -45,13 +47,13 @@ class DispatchQueue final : public SerialQueue {
 
 void AppKitMainLoop::asyncOnMain(std::function<void()> work) {
     dispatch_async(dispatch_get_main_queue(), ^{
-        work();
+        guarded(__func__, work);
     });
 }
 
 void AppKitMainLoop::asyncInBackground(std::function<void()> work) {
     dispatch_async(dispatch_get_global_queue(QOS_CLASS_BACKGROUND, 0), ^{
-        work();
+        guarded(__func__, work);
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/macos/foundation/text.h"
 #include "shell/main_menu.h"
+#include "support/exception_guard.h"
 
 #import <AppKit/AppKit.h>
 
@@ -18,7 +19,7 @@
 }
 
 - (void)uninstallApp:(NSMenuItem*)sender {
-    entry->choose();
+    lumora::guarded(__func__, [self] { entry->choose(); });
 }
 @end
 

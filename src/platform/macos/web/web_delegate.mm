@@ -2,6 +2,7 @@
 
 #include "platform/macos/foundation/text.h"
 #include "support/characters.h"
+#include "support/exception_guard.h"
 #include "webhost/server_trust.h"
 
 #import <Security/Security.h>
@@ -49,7 +50,7 @@ LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge cons
     ScriptMessage received{textOf(message.name), std::nullopt};
     if ([message.body isKindOfClass:[NSString class]])
         received.stringBody = exactTextOf(message.body);
-    host->didReceiveScriptMessage(received);
+    guarded(__func__, [&] { host->didReceiveScriptMessage(received); });
 }
 
 - (void)webView:(WKWebView*)webView
@@ -59,7 +60,8 @@ LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge cons
     const std::string address = asked.url.value_or("");
     if (asked.url)
         asked.url = journal.asWritten(address);
-    const bool allowed = host->decidePolicyFor(asked) == NavigationPolicy::allow;
+    bool allowed = false;
+    guarded(__func__, [&] { allowed = host->decidePolicyFor(asked) == NavigationPolicy::allow; });
     if (action.targetFrame.mainFrame)
         journal.policyDecided(address, allowed);
     decisionHandler(allowed ? WKNavigationActionPolicyAllow : WKNavigationActionPolicyCancel);
@@ -70,7 +72,7 @@ LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge cons
                forNavigationAction:(WKNavigationAction*)action
                     windowFeatures:(WKWindowFeatures*)windowFeatures {
     windowRequest = action.request;
-    host->createWebViewFor(describe(action));
+    guarded(__func__, [&] { host->createWebViewFor(describe(action)); });
     windowRequest = nil;
     return nil;
 }
@@ -87,16 +89,16 @@ LoadJournal::Navigation nameOf(WKNavigation* navigation) { return (__bridge cons
     didFailProvisionalNavigation:(WKNavigation*)navigation
                        withError:(NSError*)error {
     if (const auto failure = journal.failed(nameOf(navigation), errorOf(error)))
-        host->didFailProvisionalNavigation(*failure);
+        guarded(__func__, [&] { host->didFailProvisionalNavigation(*failure); });
 }
 
 - (void)webView:(WKWebView*)webView didFailNavigation:(WKNavigation*)navigation withError:(NSError*)error {
     if (const auto failure = journal.failed(nameOf(navigation), errorOf(error)))
-        host->didFailNavigation(*failure);
+        guarded(__func__, [&] { host->didFailNavigation(*failure); });
 }
 
 - (void)webViewWebContentProcessDidTerminate:(WKWebView*)webView {
-    host->webContentProcessDidTerminate(journal.processEnded());
+    guarded(__func__, [&] { host->webContentProcessDidTerminate(journal.processEnded()); });
 }
 
 - (void)webView:(WKWebView*)webView

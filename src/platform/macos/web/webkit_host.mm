@@ -2,6 +2,7 @@
 
 #include "platform/macos/foundation/text.h"
 #include "platform/macos/web/webkit_view.h"
+#include "support/exception_guard.h"
 #include "webhost/page_zoom.h"
 #include "webhost/window_title.h"
 
@@ -32,7 +33,7 @@
 
 - (void)viewDidLoad {
     [super viewDidLoad];
-    self.didLoad();
+    lumora::guarded(__func__, self.didLoad);
 }
 
 - (void)actualSize:(id)sender {
