@@ -119,23 +119,35 @@ class Work(PackagingScript):
             self.assertIn("-DBUILD_SHARED_LIBS=OFF", call)
         self.assertEqual(4, len(self.tools.calls("git")), "a second run clones nothing")
 
-    def test_the_bundle_is_built_with_those_libraries_and_checked_for_both_processors(self):
-        build = self.tools.root / "build"
+    def build_bundle(self, build, oldest_system):
+        """How the script ends when the program's first system is this one."""
         resources = build / BUNDLE / "Contents" / "Resources"
         self.tools.add_tool("git", 'mkdir -p "${@: -1}"')
         self.tools.add_tool("cmake", f'[[ $1 != --build || $2 != "{build}" ]] || mkdir -p "{resources}"')
         self.tools.add_tool("iconutil", 'echo icon > "$4"')
-        for name in ("lipo", "rsvg-convert", "xcrun"):
+        for name in ("lipo", "rsvg-convert"):
             self.tools.add_tool(name)
-        libraries = self.tools.root / "libraries"
-        outcome = self.tools.run("build-bundle", build, libraries)
+        self.tools.add_tool("xcrun", f'echo "    minos {oldest_system}"')
+        return self.tools.run("build-bundle", build, self.tools.root / "libraries")
+
+    def test_the_bundle_is_built_with_those_libraries_and_checked_for_both_processors(self):
+        build = self.tools.root / "build"
+        resources = build / BUNDLE / "Contents" / "Resources"
+        outcome = self.build_bundle(build, "10.15")
         self.assertEqual(0, outcome.returncode, outcome.stderr)
         self.assertEqual(str(build / BUNDLE), outcome.stdout.splitlines()[-1])
         (configured,) = [call for call in self.tools.calls("cmake") if "--preset" in call]
         self.assertIn("macos-release", configured)
-        self.assertIn(f"-DCMAKE_PREFIX_PATH={libraries}", configured)
+        self.assertIn(f"-DCMAKE_PREFIX_PATH={self.tools.root / 'libraries'}", configured)
         self.assertTrue((resources / "OvraTesselLumora.icns").is_file())
         self.assertEqual(["arm64", "x86_64"], [call[-1] for call in self.tools.calls("lipo")])
+        (looked,) = self.tools.calls("xcrun")
+        self.assertEqual(["vtool", "-arch", "x86_64", "-show-build"], looked[:-1])
+
+    def test_a_bundle_that_the_oldest_system_would_not_start_is_refused(self):
+        outcome = self.build_bundle(self.tools.root / "build", "11.0")
+        self.assertNotEqual(0, outcome.returncode)
+        self.assertIn("does not start on macOS 10.15", outcome.stderr.splitlines()[-1])
 
     def test_the_image_holds_the_bundle_alone_under_the_name_that_self_update_mounts(self):
         bundle = self.tools.folder(BUNDLE)
