@@ -23,6 +23,11 @@ constexpr std::chrono::duration<double> kInterval{static_cast<double>(0.1F)};
 
 platform::FileManager& fileManager() { return *SessionDetails::getInstance().defaultOvraDirectoryManager(); }
 
+bool isDueForRotation(const std::string& liveLog) {
+    const auto size = fileManager().fileSize(liveLog);
+    return size && size.value() >= kRotationSize;
+}
+
 } // namespace
 
 std::string LogHandler::logFolder() {
@@ -54,8 +59,12 @@ void LogHandler::loggingFile(platform::Timer* /*timer*/) {
     guarded(kLoggingFile, [this] {
         const auto liveLog = ovraLumoraLogFolder_ + kLiveLog;
         platform::ports().standardStreams->reopenAll(liveLog);
-        const auto size = fileManager().fileSize(liveLog);
-        if (!size || size.value() < kRotationSize)
+        if (!isDueForRotation(liveLog))
+            return;
+        // Another instance of the application shares the files. What it is about to cut, or just did, must not be rotated
+        // once more: an empty log would take the newest backup's place.
+        const auto alone = fileManager().holdFolder(ovraLumoraLogFolder_);
+        if (!isDueForRotation(liveLog))
             return;
         // A line written between the copy of the live log and its truncation would be lost.
         platform::ports().standardStreams->withWritersHeld([&] { rotate(liveLog); });

@@ -352,6 +352,26 @@ TEST_F(Rotation, worksOnTheSessionsFileManager) {
     EXPECT_THAT(files.journal, IsEmpty());
 }
 
+TEST_F(Rotation, isDoneByOneInstanceAtATime) {
+    rotateWith('a');
+
+    EXPECT_THAT(files.heldDuringCopyTo.at(backup(0)), ElementsAre(kLogFolder));
+    EXPECT_THAT(files.held, IsEmpty());
+}
+
+TEST_F(Rotation, isNotDoneAgainWhenAnotherInstanceHasJustDoneIt) {
+    files.onHold = [this](const std::string&) {
+        files.putFile(backup(0), "theirs");
+        files.putFile(kLive, "");
+    };
+
+    rotateWith('a');
+
+    EXPECT_EQ(files.file(backup(0))->contents, "theirs");
+    EXPECT_EQ(handler->logFileNameCount(), 0);
+    EXPECT_THAT(files.journal, IsEmpty());
+}
+
 TEST_F(Rotation, noLineFallsBetweenCopyAndTruncation) {
     /// Notes in the file system's journal when writers are held and released.
     class Holding final : public platform::StandardStreams {

@@ -2,6 +2,7 @@
 
 #include "platform/file_manager.h"
 
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -39,6 +40,8 @@ class FakeFileManager final : public platform::FileManager {
     std::vector<std::string> journal;
     /// The folders that are held just now.
     std::multiset<std::string> held;
+    /// Called for a folder whose turn to be held has come: what others did meanwhile.
+    std::function<void(const std::string& path)> onHold = [](const std::string&) {};
     /// The folders that were held while a copy to this destination was made.
     std::map<std::string, std::multiset<std::string>> heldDuringCopyTo;
 
@@ -131,6 +134,7 @@ class FakeFileManager final : public platform::FileManager {
     }
 
     std::shared_ptr<void> holdFolder(const std::string& path) override {
+        onHold(path);
         const auto one = held.insert(path);
         return {nullptr, [this, one](void*) { held.erase(one); }};
     }
