@@ -8,16 +8,16 @@
 
 namespace datacentre {
 
-// The caller wrote something that no command understands; the text is meant for the terminal.
+/// The caller wrote something that no command understands; the text is meant for the terminal.
 class UsageError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// "--name value" pairs and "--flag" words behind a command.
+/// "--name value" pairs and "--flag" words behind a command.
 class CommandLine {
   public:
-    // `valued` and `flags` are the words this command knows, without dashes. Throws UsageError on anything else.
+    /// `valued` and `flags` are the words this command knows, without dashes. Throws UsageError on anything else.
     CommandLine(const std::vector<std::string>& words, const std::set<std::string>& valued,
                 const std::set<std::string>& flags);
 

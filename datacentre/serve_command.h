@@ -4,7 +4,7 @@
 
 namespace datacentre {
 
-// Serves until SIGTERM or SIGINT. Throws std::exception with a text for the terminal when it cannot begin.
+/// Serves until SIGTERM or SIGINT. Throws std::exception with a text for the terminal when it cannot begin.
 void serve(const CommandLine& words);
 
 } // namespace datacentre

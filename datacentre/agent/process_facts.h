@@ -4,10 +4,10 @@
 
 namespace datacentre::agent {
 
-// The program that this process runs.
+/// The program that this process runs.
 [[nodiscard]] std::string executablePath();
 
-// What stands behind a stream, by its descriptor: a path where it has one, "closed" when nothing does.
+/// What stands behind a stream, by its descriptor: a path where it has one, "closed" when nothing does.
 [[nodiscard]] std::string streamTarget(int descriptor);
 
 } // namespace datacentre::agent

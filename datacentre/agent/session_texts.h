@@ -7,7 +7,7 @@
 
 namespace datacentre::agent {
 
-// What the session's window says.
+/// What the session's window says.
 inline constexpr const char* kEndSession = "End session";
 
 [[nodiscard]] std::string windowTitle(const JoinDetails& details);
@@ -16,7 +16,7 @@ inline constexpr const char* kEndSession = "End session";
 
 struct DetailRow {
     std::string name;
-    std::string value; // a dash when there is none
+    std::string value; ///< a dash when there is none
 };
 
 [[nodiscard]] std::vector<DetailRow> detailRows(const JoinDetails& details);

@@ -8,11 +8,11 @@
 
 namespace datacentre {
 
-// The certificates a server can show, by the names that the control interface uses.
+/// The certificates a server can show, by the names that the control interface uses.
 inline constexpr std::array<std::string_view, 4> kCertificateNames = {"good", "unknown-authority",
                                                                       "wrong-host", "expired"};
 
-// Where the parts of a set lie below its data folder.
+/// Where the parts of a set lie below its data folder.
 struct AuthorityPaths {
     explicit AuthorityPaths(const std::filesystem::path& dataFolder);
 
@@ -26,8 +26,9 @@ struct AuthorityPaths {
 
 enum class AuthorityOutcome { kept, made };
 
-// Sees to it that the folder holds a complete, valid set for exactly these hosts. What is there and still good stays, so that
-// a trust store that already knows the authority goes on working. Throws OpensslError or std::filesystem::filesystem_error.
+/// Sees to it that the folder holds a complete, valid set for exactly these hosts. What is there and still good stays,
+/// so that a trust store that already knows the authority goes on working. Throws OpensslError or
+/// std::filesystem::filesystem_error.
 AuthorityOutcome ensureAuthority(const std::filesystem::path& dataFolder,
                                  const std::vector<std::string>& hosts);
 

@@ -20,7 +20,7 @@ struct OpensslDeleter {
     }
 };
 
-// BIO_free reports a status, which a deleter has no use for.
+/// BIO_free reports a status, which a deleter has no use for.
 inline void freeBio(BIO* bio) { (void)BIO_free(bio); }
 
 using KeyHandle = std::unique_ptr<EVP_PKEY, OpensslDeleter<EVP_PKEY_free>>;
@@ -31,16 +31,16 @@ using BioHandle = std::unique_ptr<BIO, OpensslDeleter<freeBio>>;
 using SslContextHandle = std::unique_ptr<SSL_CTX, OpensslDeleter<SSL_CTX_free>>;
 using SslHandle = std::unique_ptr<SSL, OpensslDeleter<SSL_free>>;
 
-// Carries what OpenSSL's error queue says about the failed step, and empties the queue.
+/// Carries what OpenSSL's error queue says about the failed step, and empties the queue.
 class OpensslError : public std::runtime_error {
   public:
     explicit OpensslError(const std::string& step);
 };
 
-// Throws OpensslError when an OpenSSL call did not answer 1.
+/// Throws OpensslError when an OpenSSL call did not answer 1.
 void requireSuccess(int outcome, const char* step);
 
-// Hands a fresh object to its handle; throws OpensslError when OpenSSL made none.
+/// Hands a fresh object to its handle; throws OpensslError when OpenSSL made none.
 template <typename Handle, typename T>
 [[nodiscard]] Handle owned(T* object, const char* step) {
     if (object == nullptr)

@@ -12,13 +12,13 @@
 
 namespace datacentre {
 
-// How a path misbehaves; README.md tells what each member means. A default one changes nothing.
+/// How a path misbehaves; README.md tells what each member means. A default one changes nothing.
 struct Behaviour {
-    // Throws std::invalid_argument.
+    /// Throws std::invalid_argument.
     [[nodiscard]] static Behaviour fromJson(const Json& json);
     [[nodiscard]] Json toJson() const;
 
-    // Puts status, body and headers over the answer that the path would normally give.
+    /// Puts status, body and headers over the answer that the path would normally give.
     void replaceIn(Answer& answer) const;
 
     std::optional<int> status;
@@ -32,10 +32,10 @@ struct Behaviour {
     std::chrono::milliseconds chunkDelay{0};
     std::size_t chunkSize = 1024;
     std::optional<long long> times;
-    std::string exceptAgent; // requests with this User-Agent are answered as usual; empty: none
+    std::string exceptAgent; ///< requests with this User-Agent are answered as usual; empty: none
 };
 
-// The behaviours set at the moment, by path. Used by the control thread and every connection's thread.
+/// The behaviours set at the moment, by path. Used by the control thread and every connection's thread.
 class BehaviourTable {
   public:
     static constexpr const char* kEveryPath = "*";
@@ -43,7 +43,7 @@ class BehaviourTable {
     void set(const std::string& path, Behaviour behaviour);
     void clear(const std::string& path);
     void clearAll();
-    // The behaviour for one request of this path by this User-Agent, counting it.
+    /// The behaviour for one request of this path by this User-Agent, counting it.
     [[nodiscard]] std::optional<Behaviour> take(const std::string& path, const std::string& agent = {});
     [[nodiscard]] Json toJson() const;
 

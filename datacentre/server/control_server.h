@@ -10,8 +10,8 @@
 
 namespace datacentre {
 
-// The control interface that README.md describes: plain http for tests and the demo. It is meant for the loopback address;
-// whoever reaches it may do anything to the data centre.
+/// The control interface that README.md describes: plain http for tests and the demo. It is meant for the loopback
+/// address; whoever reaches it may do anything to the data centre.
 class ControlServer {
   public:
     ControlServer(ListenAddress address, HttpsServer& https, Site& site, TlsManners& manners);
@@ -19,7 +19,7 @@ class ControlServer {
     ControlServer(const ControlServer&) = delete;
     ControlServer& operator=(const ControlServer&) = delete;
 
-    void start(); // throws std::runtime_error
+    void start(); ///< throws std::runtime_error
     void stop();
     [[nodiscard]] const ListenAddress& address() const { return address_; }
 

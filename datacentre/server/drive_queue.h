@@ -14,8 +14,8 @@
 
 namespace datacentre {
 
-// Carries scripts from the control interface to the one page that polls for them, and the results back. The newest page
-// load is the one that counts; older ones are told to stop. Any thread.
+/// Carries scripts from the control interface to the one page that polls for them, and the results back. The newest
+/// page load is the one that counts; older ones are told to stop. Any thread.
 class DriveQueue {
   public:
     using Milliseconds = std::chrono::milliseconds;
@@ -27,7 +27,7 @@ class DriveQueue {
     enum class PollKind { script, idle, replaced };
     struct Poll {
         PollKind kind;
-        Script script; // for PollKind::script
+        Script script; ///< for PollKind::script
     };
     struct Outcome {
         Json result;
@@ -40,17 +40,17 @@ class DriveQueue {
         std::size_t loads;
     };
 
-    // The page's side: waits for a script while `clientIsThere` holds.
+    /// The page's side: waits for a script while `clientIsThere` holds.
     [[nodiscard]] Poll next(const std::string& page, Milliseconds patience,
                             const std::function<bool()>& clientIsThere);
-    // False when nobody waits for that result any more.
+    /// False when nobody waits for that result any more.
     bool finish(std::uint64_t id, Json result, std::optional<std::string> error);
 
-    // The control side: waits until a page has run the script.
+    /// The control side: waits until a page has run the script.
     [[nodiscard]] Outcome run(const std::string& script, Milliseconds timeout);
     [[nodiscard]] Pages pages() const;
 
-    // Lets every waiter go; nothing waits any more afterwards.
+    /// Lets every waiter go; nothing waits any more afterwards.
     void close();
 
   private:

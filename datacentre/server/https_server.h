@@ -13,13 +13,13 @@
 
 namespace datacentre {
 
-// What is to be done about one request: an answer and the manner of sending it.
+/// What is to be done about one request: an answer and the manner of sending it.
 struct Delivery {
     Answer answer;
     Behaviour behaviour;
 };
 
-// The https side. The handler runs on the thread of its connection, many at a time; it may wait.
+/// The https side. The handler runs on the thread of its connection, many at a time; it may wait.
 class HttpsServer {
   public:
     using Handler = std::function<Delivery(const ReceivedRequest&)>;
@@ -29,10 +29,10 @@ class HttpsServer {
     HttpsServer(const HttpsServer&) = delete;
     HttpsServer& operator=(const HttpsServer&) = delete;
 
-    // Listens; a port that was chosen freely at the first start stays for the later ones. Throws std::runtime_error when the
-    // address cannot be had. Nothing when it listens already.
+    /// Listens; a port that was chosen freely at the first start stays for the later ones. Throws std::runtime_error
+    /// when the address cannot be had. Nothing when it listens already.
     void start();
-    // Stops listening and drops every connection; returns when all their threads are idle.
+    /// Stops listening and drops every connection; returns when all their threads are idle.
     void stop();
     void dropConnections() { registry_.dropAll(); }
 
@@ -43,7 +43,7 @@ class HttpsServer {
   private:
     class Listener;
 
-    mutable std::mutex mutex_; // start and stop may come from several control threads
+    mutable std::mutex mutex_; ///< start and stop may come from several control threads
     ListenAddress address_;
     const TlsContext& context_;
     Handler handler_;

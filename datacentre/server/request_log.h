@@ -9,7 +9,7 @@
 
 namespace datacentre {
 
-// Every https request since the last clearing, and one line each on standard error. Any thread.
+/// Every https request since the last clearing, and one line each on standard error. Any thread.
 class RequestLog {
   public:
     void add(const ReceivedRequest& request);

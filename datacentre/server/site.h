@@ -14,14 +14,14 @@
 
 namespace datacentre {
 
-// Everything that the https side serves: pages, questions, images, drive calls. Tests change it through its parts.
+/// Everything that the https side serves: pages, questions, images, drive calls. Tests change it through its parts.
 class Site {
   public:
     enum class Driving { off, on };
 
     Site(std::string pagePath, const std::filesystem::path& imageFolder, Driving driving);
 
-    // Called on the thread of each connection.
+    /// Called on the thread of each connection.
     [[nodiscard]] Delivery deliver(const ReceivedRequest& request);
 
     void replacePage(std::optional<std::string> html);
@@ -42,7 +42,7 @@ class Site {
     [[nodiscard]] std::optional<Answer> image(const std::string& path) const;
     [[nodiscard]] Answer driveCall(const ReceivedRequest& request);
 
-    std::string pagePath_; // with its leading slash
+    std::string pagePath_; ///< with its leading slash
     Driving driving_;
     ImageShelf images_;
     RequestLog requests_;

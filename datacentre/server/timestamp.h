@@ -4,7 +4,7 @@
 
 namespace datacentre {
 
-// Now, as "2024-05-06T07:08:09.123Z".
+/// Now, as "2024-05-06T07:08:09.123Z".
 [[nodiscard]] std::string timestamp();
 
 } // namespace datacentre

@@ -9,10 +9,11 @@
 
 namespace datacentre {
 
-// The server's TLS settings. Each connection asks TlsManners, while its hello is read, which certificate and versions it gets.
+/// The server's TLS settings. Each connection asks TlsManners, while its hello is read, which certificate and versions
+/// it gets.
 class TlsContext {
   public:
-    // Reads the certificates that `lumora-datacentre authority` left in the folder. Throws OpensslError.
+    /// Reads the certificates that `lumora-datacentre authority` left in the folder. Throws OpensslError.
     TlsContext(const std::filesystem::path& dataFolder, const TlsManners& manners);
     TlsContext(const TlsContext&) = delete;
     TlsContext& operator=(const TlsContext&) = delete;

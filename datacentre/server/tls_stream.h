@@ -8,13 +8,13 @@
 
 namespace datacentre {
 
-// The http library's view of a connection: TLS over a blocking socket, with a limit on every wait.
+/// The http library's view of a connection: TLS over a blocking socket, with a limit on every wait.
 class TlsStream final : public httplib::Stream {
   public:
     TlsStream(Connection& connection, std::chrono::milliseconds patience)
         : connection_(connection), patience_(patience) {}
 
-    // Waits for the next request; false when none comes in time.
+    /// Waits for the next request; false when none comes in time.
     [[nodiscard]] bool waitForRequest(std::chrono::milliseconds duration) const;
 
     bool is_readable() const override;
