@@ -19,7 +19,10 @@ class Crashes(WeatherCase):
 
     def living(self):
         """The process of the page that is shown: a picture of the window may still be the dead one's."""
-        return waiting.until(lambda: [one for one in processes.web_processes(self.application) if one not in self._killed], "a web process")[0]
+        def not_killed():
+            return [one for one in processes.web_processes(self.application) if one not in self._killed]
+
+        return waiting.until(not_killed, "a web process")[0]
 
     def kill(self):
         pid = self.living()

@@ -120,8 +120,8 @@ class DecoyedMac(RecordingTools):
 
     def begin(self, *command, options=(), **environment):
         """Enters the world with this command, in the background."""
-        return subprocess.Popen(self.words(*command, options=options), env=self.environment | environment, stdin=subprocess.DEVNULL,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        return subprocess.Popen(self.words(*command, options=options), env=self.environment | environment,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
 
     def enter(self, *command, options=(), **environment):
         """To its end: the status, and the lines on standard error."""
