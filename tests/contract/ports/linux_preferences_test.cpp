@@ -44,7 +44,7 @@ class LinuxPreferencesContract : public testing::Test {
     LinuxPreferencesContract() {
         folders_.managed = folder_ / "managed";
         folders_.user = folder_ / "home/Library/Preferences";
-        folders_.system = folder_ / "system";
+        folders_.system = folder_ / "Library/Preferences";
     }
 
     LinuxPreferences make(const std::vector<std::string>& arguments = {}) {
@@ -150,6 +150,9 @@ TEST_F(LinuxPreferencesContract, theUsersFileIsPrivateAndTheSystemsReadable) {
 
     EXPECT_EQ(fs::perms(0600), fs::status(fileIn(folders_.user)).permissions());
     EXPECT_EQ(fs::perms(0644), fs::status(fileIn(folders_.system)).permissions());
+    EXPECT_EQ(fs::perms(0700), fs::status(folders_.user).permissions());
+    for (const char* made : {"Library", "Library/Preferences"})
+        EXPECT_EQ(fs::perms(0755), fs::status(folder_ / made).permissions()) << made;
     EXPECT_EQ(PropertyListValue("v"), stored(folders_.system).at("k"));
 }
 

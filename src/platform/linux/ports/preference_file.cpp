@@ -29,6 +29,7 @@ using posix_backend::writeAll;
 
 constexpr std::size_t kMaximumSize = 4 << 20; // real preference files have some kilobytes
 constexpr int kMaximumDamagedFiles = 100;
+constexpr mode_t kEveryonesFolderMode = 0755;
 constexpr std::time_t kClockGranularity = 1; // seconds, generously: file systems' clocks tick in milliseconds
 
 bool isSameTime(const timespec& a, const timespec& b) {
@@ -39,6 +40,19 @@ bool isSameTime(const timespec& a, const timespec& b) {
 bool isPassing(int error) {
     constexpr std::array kPassing{EMFILE, ENFILE, ENOMEM, EINTR, EAGAIN, EIO, ESTALE, ETIMEDOUT};
     return std::find(kPassing.begin(), kPassing.end(), error) != kPassing.end();
+}
+
+/// Makes the folder and what is missing above it. For a file that everyone reads, everyone may enter them, whatever the
+/// umask of the administrator who was first.
+bool makeFolders(const std::filesystem::path& folder, bool forEveryone) {
+    std::error_code failed;
+    if (std::filesystem::is_directory(folder, failed))
+        return true;
+    if (folder.has_parent_path() && !makeFolders(folder.parent_path(), forEveryone))
+        return false;
+    if (::mkdir(folder.c_str(), S_IRWXU | S_IRWXG | S_IRWXO) != 0)
+        return errno == EEXIST && std::filesystem::is_directory(folder, failed);
+    return !forEveryone || ::chmod(folder.c_str(), kEveryonesFolderMode) == 0;
 }
 
 /// Absent, with errno set, when it cannot be read whole or is no regular file of a sane size.
@@ -130,11 +144,11 @@ bool PreferenceFile::flush() {
     const std::lock_guard lock(mutex_);
     if (pending_.empty())
         return true;
-    std::error_code failed;
     const std::filesystem::path path(path_);
-    std::filesystem::create_directories(path.parent_path(), failed);
+    if (!makeFolders(path.parent_path(), (mode_ & S_IROTH) != 0))
+        return false;
     const FileLock processes(path.parent_path() / ("." + path.filename().string() + ".lock"));
-    if (failed || !processes.isHeld())
+    if (!processes.isHeld())
         return false;
 
     Contents contents = load();
