@@ -34,7 +34,8 @@ UniqueFd openNullAboveStreams() {
     return UniqueFd(number);
 }
 
-void writeWhole(int number, std::string_view text) {
+/// How many bytes could not be written: on a full disk, or when the reader has vanished.
+std::size_t writeWhole(int number, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = ::write(number, text.data(), text.size());
         if (written >= 0) {
@@ -42,11 +43,12 @@ void writeWhole(int number, std::string_view text) {
         } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
             pollfd ready{number, POLLOUT, 0};
             if (::poll(&ready, 1, kNoTimeout) < 0 && errno != EINTR)
-                return;
+                break;
         } else if (errno != EINTR) {
-            return; // a full disk or a vanished reader: the message is lost, the application goes on
+            break;
         }
     }
+    return text.size();
 }
 
 } // namespace
@@ -61,8 +63,13 @@ void PosixStandardStreams::writeOutput(std::string_view text) { write(STDOUT_FIL
 
 void PosixStandardStreams::write(int number, std::string_view text) {
     const std::lock_guard lock(mutex_);
-    if (isOpen_[static_cast<std::size_t>(number)])
-        writeWhole(number, text);
+    if (!isOpen_[static_cast<std::size_t>(number)])
+        return;
+    if (lineIsCut_ && writeWhole(number, "\n") != 0)
+        return;
+    // What could not be written is lost, the application goes on.
+    const std::size_t lost = writeWhole(number, text);
+    lineIsCut_ = lost > 0 && lost < text.size();
 }
 
 void PosixStandardStreams::withWritersHeld(const std::function<void()>& section) {

@@ -14,6 +14,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -233,6 +234,27 @@ TEST_F(StandardStreamsContract, writersAndReopeningAndRotationLoseAndTearNoLine)
         readLines(fmt::format("{}.{}", log_, backup));
     readLines(log_);
     EXPECT_EQ(kThreads * kLines, lines);
+}
+
+TEST_F(StandardStreamsContract, aMessageCutByAFullDiskCutsNoLaterOne) {
+    EXPECT_EQ("", inChild([&]() -> std::string {
+                  PosixStandardStreams streams;
+                  streams.reopenAll(log_);
+                  std::signal(SIGXFSZ, SIG_IGN); // the limit stands for the disk's end
+                  rlimit limit{};
+                  ::getrlimit(RLIMIT_FSIZE, &limit);
+                  const rlimit full{10, limit.rlim_max};
+                  ::setrlimit(RLIMIT_FSIZE, &full);
+                  streams.writeError("one\n");
+                  streams.writeError("two is cut\n");
+                  streams.writeOutput("lost\n");
+                  ::setrlimit(RLIMIT_FSIZE, &limit);
+                  streams.writeOutput("three\n");
+                  streams.writeError("four\n");
+                  return "";
+              }));
+
+    EXPECT_EQ("one\ntwo is\nthree\nfour\n", contentsOf(log_));
 }
 
 TEST_F(StandardStreamsContract, aFullNonBlockingPipeDelaysTheWriterAndLosesNothing) {
