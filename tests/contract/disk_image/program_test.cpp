@@ -54,6 +54,16 @@ TEST_F(Program, lineStaysOneLineWhateverTheImagesPath) {
               (folder_ / "tab?and?newline.iso\tISO9660\t/Volumes/Lumora Plugin\n").string());
 }
 
+TEST_F(Program, lineCanBeDecodedWhateverTheImagesPath) {
+    const auto odd = folder_ / "M\xfcller.iso";
+    std::filesystem::rename(image_, odd);
+
+    const Outcome outcome = hdiutil({"mount", odd.string()});
+
+    EXPECT_EQ(outcome.status, 0) << outcome.standardError;
+    EXPECT_EQ(outcome.standardOutput, (folder_ / "M?ller.iso\tISO9660\t/Volumes/Lumora Plugin\n").string());
+}
+
 TEST_F(Program, detachRemovesTheVolumeOnce) {
     ASSERT_EQ(hdiutil({"mount", image_.string()}).status, 0);
 

@@ -12,7 +12,7 @@ namespace lumora::platform::linux_backend {
 
 /// A volume that stands mounted.
 struct Attachment {
-    std::string image; ///< where it came from, control characters replaced
+    std::string image; ///< where it came from, control characters and what is no UTF-8 replaced
     std::filesystem::path mountPoint;
 };
 

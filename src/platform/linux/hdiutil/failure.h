@@ -24,7 +24,7 @@ class DiskImageFailure : public std::runtime_error {
 [[noreturn]] void throwErrno(std::string_view what);
 
 /// The text with control characters replaced, so that a name out of an image can neither break a line nor steer a
-/// terminal.
+/// terminal, and with everything beyond ASCII where it is not UTF-8, which a reader might not decode at all.
 [[nodiscard]] std::string printable(std::string_view text);
 
 } // namespace lumora::platform::linux_backend

@@ -2,8 +2,6 @@
 
 #include "platform/linux/hdiutil/iso_fields.h"
 
-#include <utf8proc.h>
-
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -26,25 +24,10 @@ constexpr std::size_t kBlockBytesAt = 128;
 constexpr std::size_t kRootRecordAt = 156;
 constexpr std::size_t kRootRecordBytes = 34;
 
-bool isValidUtf8(std::string_view text) {
-    const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-    auto left = static_cast<utf8proc_ssize_t>(text.size());
-    while (left > 0) {
-        utf8proc_int32_t codepoint = 0;
-        const auto used = utf8proc_iterate(bytes, left, &codepoint);
-        if (used <= 0) {
-            return false;
-        }
-        bytes += used;
-        left -= used;
-    }
-    return true;
-}
-
 /// A leading dot is refused as well: hidden names beside the volumes belong to the bookkeeping.
 bool canNameVolume(std::string_view name) {
     return !name.empty() && name.front() != '.' && name.find('/') == std::string_view::npos &&
-           printable(name) == name && isValidUtf8(name);
+           printable(name) == name;
 }
 
 std::string volumeName(const IsoSector& descriptor) {

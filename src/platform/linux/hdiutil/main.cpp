@@ -38,7 +38,7 @@ int fail(const Error& error) {
 }
 
 int printAttachments(const std::vector<Attachment>& attachments) {
-    std::string lines;
+    std::string lines; // of valid UTF-8 alone: whoever reads them decodes all or nothing
     for (const Attachment& attachment : attachments) {
         lines += fmt::format("{}\tISO9660\t{}\n", attachment.image, attachment.mountPoint.string());
     }
