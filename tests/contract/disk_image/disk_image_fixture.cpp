@@ -25,6 +25,7 @@ DiskImageFixture::DiskImageFixture() {
     outside_ = folder_ / "outside";
     std::filesystem::create_directory(volumes_);
     std::filesystem::create_directory(tree_);
+    std::filesystem::permissions(tree_, std::filesystem::perms::owner_all); // as every volume
     writeFile(outside_, "untouched");
 }
 

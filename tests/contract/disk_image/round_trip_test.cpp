@@ -40,7 +40,6 @@ TEST_F(RoundTrips, mountedVolumeEqualsTheFolderItWasMadeOf) {
     ::chmod((tree_ / "big").c_str(), 0666);
     ::chmod((tree_ / "hollow/inner").c_str(), 0711);
     ::chmod((tree_ / "Ovra.app").c_str(), 0555);
-    ::chmod(tree_.c_str(), 0755);
     setDistinctTimes(tree_);
     const auto expected = pictureOf(tree_);
 
@@ -103,6 +102,20 @@ TEST_F(RoundTrips, namesThatShareContentsBecomeSeparateFiles) {
         std::filesystem::permissions(file, std::filesystem::perms::owner_read);
         EXPECT_EQ(readFile(file), contents);
     }
+}
+
+TEST_F(RoundTrips, otherUsersDoNotGetIntoAVolume) {
+    fillTree();
+    ::chmod((tree_ / "Ovra.app").c_str(), 0777);
+    ::chmod(tree_.c_str(), 0777);
+
+    ASSERT_TRUE(images().mount(makeOvraImage()));
+
+    struct stat attributes {};
+    ASSERT_EQ(::stat((volumes_ / "Ovra").c_str(), &attributes), 0);
+    EXPECT_EQ(attributes.st_mode, static_cast<mode_t>(S_IFDIR | 0700));
+    ASSERT_EQ(::stat((volumes_ / "Ovra/Ovra.app").c_str(), &attributes), 0);
+    EXPECT_EQ(attributes.st_mode, static_cast<mode_t>(S_IFDIR | 0777));
 }
 
 TEST_F(RoundTrips, setUserIdBitsAreDropped) {

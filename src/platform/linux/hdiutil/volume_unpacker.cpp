@@ -265,6 +265,9 @@ class Unpacker {
         for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
             folder->attributes.apply(openFolder(folder->path).get(), folder->path);
         }
+        // Unlike an attached image a volume here can be written: with its folder closed, whatever modes an image has inside,
+        // nobody exchanges what is about to be copied, and started.
+        rootAttributes_.mode &= S_IRWXU;
         rootAttributes_.apply(root_, "the volume");
     }
 

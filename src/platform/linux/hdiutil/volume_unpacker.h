@@ -12,8 +12,9 @@ struct DiskImageLimits {
     std::size_t entries = 200'000; ///< files, folders and links together
 };
 
-/// Unpacks the ISO 9660 image open as `image` into the empty folder open as `folder`, which takes over the mode and
-/// times of the volume's own root folder. Keeps names, contents, links, modes and times.
+/// Unpacks the ISO 9660 image open as `image` into the empty folder open as `folder`, which takes over the times of the
+/// volume's own root folder, and of its mode what concerns the caller: other users do not get in. Keeps names, contents,
+/// links, modes and times.
 ///
 /// As on a volume attached by an ordinary user, set-user-id, set-group-id and sticky bits are dropped and everything
 /// belongs to the caller. Names that share their contents become separate files. Compressed images, formats other than
