@@ -8,6 +8,7 @@
 #include "platform/main_loop.h"
 #include "platform/ports.h"
 #include "platform/preferences.h"
+#include "support/exception_guard.h"
 #include "support/fatal.h"
 #include "support/log.h"
 #include "support/notification_center.h"
@@ -56,7 +57,9 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed() {
-    NotificationCenter::defaultCenter().post(kTerminateNotification, nullptr);
+    // Whatever is raised on the way: the window has gone, and no process is to stay behind it.
+    guarded("applicationShouldTerminateAfterLastWindowClosed(_:)",
+            [] { NotificationCenter::defaultCenter().post(kTerminateNotification, nullptr); });
     return true;
 }
 

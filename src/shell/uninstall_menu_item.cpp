@@ -12,6 +12,18 @@ namespace {
 constexpr std::string_view kTitle = "Uninstall Ovra Tessel Lumora";
 constexpr const char* kAction = "uninstallApp:";
 
+/// Sets a flag for as long as it lives, however that ends.
+class WhileHere {
+  public:
+    explicit WhileHere(bool& flag) : flag_(flag) { flag_ = true; }
+    ~WhileHere() { flag_ = false; }
+    WhileHere(const WhileHere&) = delete;
+    WhileHere& operator=(const WhileHere&) = delete;
+
+  private:
+    bool& flag_;
+};
+
 bool isUninstallItem(platform::MenuItem& item) {
     return item.action() == kAction || item.title().find(kTitle) != std::string::npos;
 }
@@ -58,9 +70,8 @@ bool AppDelegate::validateMenuItem(platform::MenuItem& item) {
 void AppDelegate::performAction(const std::string& action) {
     if (action != kAction || isUninstalling_)
         return;
-    isUninstalling_ = true;
+    const WhileHere running(isUninstalling_);
     uninstallApp();
-    isUninstalling_ = false;
 }
 
 } // namespace lumora

@@ -5,7 +5,6 @@
 #include "platform/macos/macos_backend.h"
 #include "platform/ports_of.h"
 #include "shell/app_delegate.h"
-#include "support/exception_guard.h"
 #include "webhost/view_controller.h"
 
 #include <cstdio>
@@ -54,9 +53,7 @@ static void leaveAtOnce() {
 }
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)application {
-    bool ends = true;
-    guarded(__func__, [&] { ends = _delegate->applicationShouldTerminateAfterLastWindowClosed(); });
-    return ends;
+    return _delegate->applicationShouldTerminateAfterLastWindowClosed();
 }
 
 - (void)applicationWillTerminate:(NSNotification*)notification {

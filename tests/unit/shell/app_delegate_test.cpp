@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <csignal>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -222,6 +223,15 @@ TEST_F(Termination, postsItsNotificationOnceForNobodyInParticular) {
     EXPECT_TRUE(delegate.applicationShouldTerminateAfterLastWindowClosed());
 
     EXPECT_EQ(senders, std::vector<const void*>{nullptr});
+    NotificationCenter::defaultCenter().removeObserver(this);
+}
+
+TEST_F(Termination, comesAfterTheLastWindowWhateverIsRaisedOnTheWay) {
+    NotificationCenter::defaultCenter().addObserver(
+        this, "OvraLumoraTerminate", [](const void*) { throw std::runtime_error("raised by a test"); });
+
+    EXPECT_TRUE(delegate.applicationShouldTerminateAfterLastWindowClosed());
+
     NotificationCenter::defaultCenter().removeObserver(this);
 }
 

@@ -2,6 +2,7 @@
 #include "shell/app_delegate.h"
 
 #include <memory>
+#include <stdexcept>
 
 namespace lumora {
 namespace {
@@ -156,6 +157,16 @@ TEST_F(UninstallMenuItem, runsTheCommandAndNoOther) {
 
     delegate.performAction("uninstallApp:");
     EXPECT_EQ(alerts.shown.size(), 1U);
+}
+
+TEST_F(UninstallMenuItem, runsTheCommandAgainAfterOneThatRaised) {
+    alerts.onShow = [](const platform::Alert&) { throw std::runtime_error("no alerts today"); };
+    EXPECT_THROW(delegate.performAction("uninstallApp:"), std::runtime_error);
+
+    alerts.onShow = [](const platform::Alert&) {};
+    delegate.performAction("uninstallApp:");
+
+    EXPECT_EQ(alerts.shown.size(), 2U);
 }
 
 } // namespace
