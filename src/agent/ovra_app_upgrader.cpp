@@ -4,9 +4,9 @@
 #include "agent/ovra_dmg_downloader.h"
 #include "config/atomic_field.h"
 #include "config/session_details.h"
-#include "platform/bundle.h"
 #include "platform/file_manager.h"
 #include "platform/ports.h"
+#include "support/bundle_version.h"
 #include "support/exception_guard.h"
 #include "support/log.h"
 #include "support/rendering.h"
@@ -20,7 +20,6 @@ constexpr const char* kGetInstance = "+[OvraAppUpgrader getInstance]";
 constexpr const char* kVersionCheck = "-[OvraAppUpgrader ovraAppVersionCheck]";
 constexpr const char* kUpdater = "-[OvraAppUpgrader ovraAppUpdater]";
 
-constexpr const char* kVersionKey = "CFBundleShortVersionString";
 constexpr const char* kNoVersion = "0";
 
 SharedInstance<OvraAppUpgrader>& sharedInstance() {
@@ -33,11 +32,6 @@ SharedInstance<OvraAppUpgrader>& sharedInstance() {
 AtomicField<std::shared_ptr<OvraDmgDownloader>>& ovraDmgDownloader() {
     static auto* latest = new AtomicField<std::shared_ptr<OvraDmgDownloader>>;
     return *latest;
-}
-
-std::string bundleVersion(const std::string& path) {
-    const auto version = platform::ports().bundles->infoDictionaryValue(path, kVersionKey);
-    return version ? render(*version) : kNullPlaceholder;
 }
 
 /// The capital "A" finds the agent's bundle only where letter case does not count, as on the platform's default

@@ -3,6 +3,7 @@
 #include "platform/bundle.h"
 #include "platform/file_manager.h"
 #include "platform/ports.h"
+#include "support/bundle_version.h"
 #include "support/exception_guard.h"
 #include "support/log.h"
 #include "support/rendering.h"
@@ -14,14 +15,7 @@ namespace {
 constexpr const char* kFindCurrentAppPath = "+[Utils findCurrentAppPath]";
 constexpr const char* kGetAppVersion = "+[Utils getOvraLumoraAppVersion]";
 
-constexpr const char* kVersionKey = "CFBundleShortVersionString";
 constexpr const char* kUnknownVersion = "0";
-
-/// The version of the bundle at a path; the null placeholder, as text, when the bundle does not tell one.
-std::string bundleVersion(const std::string& path) {
-    const auto version = platform::ports().bundles->infoDictionaryValue(path, kVersionKey);
-    return version ? render(*version) : kNullPlaceholder;
-}
 
 } // namespace
 
