@@ -22,12 +22,6 @@ bool isHttp(std::string_view scheme) {
     return lower == "http" || lower == "https";
 }
 
-// Also of an address that does not parse: what is wrong with it is told after its scheme.
-std::string_view schemeOf(std::string_view url) {
-    const std::size_t end = url.find_first_of(":/?#");
-    return end != std::string_view::npos && url[end] == ':' ? url.substr(0, end) : std::string_view();
-}
-
 bool isName(const std::string& text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
         return character > ' ' && character <= '~' && character != ':';
@@ -44,7 +38,7 @@ bool isSound(const std::pair<std::string, std::string>& header) {
 std::optional<platform::Error> refusalOf(const HttpRequest& request) {
     if (!request.url)
         return urlError(UrlError::badUrl, request.url);
-    if (!isHttp(schemeOf(*request.url)))
+    if (!isHttp(urlScheme(*request.url)))
         return urlError(UrlError::unsupportedUrl, request.url);
     if (urlHost(*request.url).value_or("").empty())
         return urlError(UrlError::badUrl, request.url);

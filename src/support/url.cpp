@@ -23,7 +23,6 @@ class ParsedUri {
 
     [[nodiscard]] bool valid() const { return valid_; }
 
-    [[nodiscard]] std::optional<std::string> scheme() const { return textOf(uri_.scheme); }
     [[nodiscard]] std::optional<std::string> host() const { return textOf(uri_.hostText); }
 
   private:
@@ -46,7 +45,10 @@ std::optional<std::string> parseUrl(std::string_view text) {
     return std::string(text);
 }
 
-std::optional<std::string> urlScheme(std::string_view url) { return ParsedUri(url).scheme(); }
+std::string_view urlScheme(std::string_view url) {
+    const auto end = url.find_first_of(":/?#");
+    return end != std::string_view::npos && url[end] == ':' ? url.substr(0, end) : std::string_view();
+}
 
 std::optional<std::string> urlHost(std::string_view url) { return ParsedUri(url).host(); }
 

@@ -10,8 +10,9 @@ namespace lumora {
 /// percent signs); nothing otherwise. A reference without a scheme parses too: using it is another matter.
 [[nodiscard]] std::optional<std::string> parseUrl(std::string_view text);
 
-/// The scheme exactly as written, when the address has one.
-[[nodiscard]] std::optional<std::string> urlScheme(std::string_view url);
+/// The scheme exactly as written; empty without one. Also of an address that does not parse: engines' own may hold
+/// characters that the grammar refuses, and what is wrong with an address is told after its scheme.
+[[nodiscard]] std::string_view urlScheme(std::string_view url);
 
 /// The host as written, when the address parses and names one: empty where its place is ("https://:80/", "file:///a").
 [[nodiscard]] std::optional<std::string> urlHost(std::string_view url);

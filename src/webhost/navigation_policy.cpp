@@ -1,11 +1,10 @@
 #include "webhost/navigation_policy.h"
 
 #include "config/session_details.h"
+#include "support/url.h"
 #include "webhost/join_url.h"
 #include "webhost/local_pages.h"
 #include "webhost/view_controller.h"
-
-#include <string_view>
 
 namespace lumora {
 
@@ -13,18 +12,9 @@ namespace {
 
 using platform::NavigationType;
 
-constexpr std::string_view kDeepLinkScheme = "ovrajoin";
-
 bool isGuarded(const platform::NavigationAction& action) {
     return action.type == NavigationType::reload ||
            (action.type == NavigationType::other && action.sourceFrameIsMainFrame);
-}
-
-/// The scheme as written. Taken from the text, as the engine's addresses may hold characters that a strict parser
-/// refuses.
-std::string_view schemeOf(std::string_view url) {
-    const auto colon = url.find_first_of(":/?#");
-    return colon != std::string_view::npos && url[colon] == ':' ? url.substr(0, colon) : std::string_view();
 }
 
 NavigationVerdict judgeGuarded(const std::optional<std::string>& url,
@@ -41,7 +31,7 @@ NavigationVerdict judgeNavigation(const platform::NavigationAction& action,
                                   const std::optional<std::string>& webServerName) {
     if (isGuarded(action))
         return judgeGuarded(action.url, webServerName);
-    const bool isDeepLink = action.url && schemeOf(*action.url) == kDeepLinkScheme;
+    const bool isDeepLink = action.url && urlScheme(*action.url) == kDeepLinkScheme;
     return isDeepLink ? NavigationVerdict::openDeepLink : NavigationVerdict::allow;
 }
 

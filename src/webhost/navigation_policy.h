@@ -7,6 +7,10 @@
 
 namespace lumora {
 
+/// The service's own links, handed to the operating system wherever in the page they are opened.
+inline constexpr const char* kDeepLinkScheme = "ovrajoin";
+
+/// What is to become of a navigation.
 enum class NavigationVerdict {
     allow,
     cancel,

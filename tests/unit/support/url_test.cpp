@@ -56,9 +56,14 @@ TEST(UrlScheme, isGivenAsWritten) {
     EXPECT_EQ(urlScheme("a+b-c.d:x"), "a+b-c.d");
 }
 
-TEST(UrlScheme, isAbsentForReferencesAndForWhatDoesNotParse) {
-    for (const char* text : {"", "h/path", "//h/path", "/a:b", "https://h/ ", "://h"})
-        EXPECT_EQ(urlScheme(text), std::nullopt) << text;
+TEST(UrlScheme, isGivenForWhatDoesNotParseToo) {
+    EXPECT_EQ(urlScheme("https://h/ "), "https");
+    EXPECT_EQ(urlScheme("ovrajoin:a b|c"), "ovrajoin");
+}
+
+TEST(UrlScheme, isEmptyForReferences) {
+    for (const char* text : {"", "h/path", "//h/path", "/a:b", "h?a:b", "h#a:b", "://h"})
+        EXPECT_EQ(urlScheme(text), "") << text;
 }
 
 TEST(UrlHost, isGivenAsWritten) {

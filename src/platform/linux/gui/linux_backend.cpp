@@ -2,6 +2,7 @@
 
 #include "config/log_handler.h"
 #include "platform/linux/gui/modal_loop.h"
+#include "webhost/navigation_policy.h"
 
 namespace lumora::platform::linux_backend {
 
@@ -9,9 +10,6 @@ namespace {
 
 /// The system's own disk-image tool does not exist here: the bundle brings its equivalent.
 constexpr const char* kDiskImageTool = "/usr/bin/hdiutil";
-
-/// The service's own links, handed to the operating system wherever in the page they are opened.
-constexpr const char* kDeepLinkScheme = "ovrajoin";
 
 std::string toolBeside(const std::string& executable, const std::string& name) {
     return executable.substr(0, executable.rfind('/') + 1) + name;
