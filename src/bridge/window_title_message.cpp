@@ -1,5 +1,6 @@
 #include "bridge/native_message_handler.h"
 #include "bridge/standard_defaults.h"
+#include "config/window_title_preference.h"
 #include "platform/ports.h"
 #include "platform/preferences.h"
 
@@ -7,14 +8,11 @@ namespace lumora {
 
 namespace {
 
-constexpr const char* kWindowTitleKey = "WindowTitle";
-constexpr const char* kDefaultTitle = "Ovra Tessel - Lumora";
-
 /// The stored title, or the product's own when none is stored as text.
 std::string fallbackTitle() {
     const auto stored = platform::ports().preferences->objectForKey(kWindowTitleKey);
     const auto* title = stored ? stored->as<std::string>() : nullptr;
-    return title != nullptr ? *title : kDefaultTitle;
+    return title != nullptr ? *title : kDefaultWindowTitle;
 }
 
 } // namespace

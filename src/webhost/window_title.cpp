@@ -1,5 +1,6 @@
 #include "webhost/window_title.h"
 
+#include "config/window_title_preference.h"
 #include "platform/ports.h"
 #include "platform/preferences.h"
 #include "support/fatal.h"
@@ -7,8 +8,6 @@
 namespace lumora {
 
 namespace {
-
-constexpr const char* kWindowTitleKey = "WindowTitle";
 
 const std::string& textOrStop(const std::optional<platform::PropertyListValue>& value) {
     const auto* text = value ? value->as<std::string>() : nullptr;
@@ -19,7 +18,7 @@ const std::string& textOrStop(const std::optional<platform::PropertyListValue>& 
 
 void titleByDefault(platform::Window* window) {
     if (window != nullptr)
-        window->setTitle("Ovra Tessel - Lumora");
+        window->setTitle(kDefaultWindowTitle);
     auto& preferences = *platform::ports().preferences;
     preferences.setObject(kWindowTitleKey,
                           window != nullptr ? window->title() : std::string()); // empty: cleared
