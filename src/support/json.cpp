@@ -72,6 +72,15 @@ std::optional<OrderedJson> toJsonValue(const platform::PropertyListValue& value)
     return std::visit(ToJson{}, value.storage());
 }
 
+template <class AnyJson>
+std::optional<std::string> compactText(const AnyJson& value) {
+    try {
+        return value.dump();
+    } catch (const typename AnyJson::type_error&) {
+        return std::nullopt; // text that is not UTF-8 has no JSON form
+    }
+}
+
 } // namespace
 
 std::optional<Json> parseJson(std::string_view text) {
@@ -131,19 +140,6 @@ bool booleanConversion(const Json& value) {
 std::optional<OrderedJson> toJson(const std::optional<platform::PropertyListValue>& value) {
     return value ? toJsonValue(*value) : std::optional<OrderedJson>(OrderedJson(nullptr));
 }
-
-namespace {
-
-template <class AnyJson>
-std::optional<std::string> compactText(const AnyJson& value) {
-    try {
-        return value.dump();
-    } catch (const typename AnyJson::type_error&) {
-        return std::nullopt; // text that is not UTF-8 has no JSON form
-    }
-}
-
-} // namespace
 
 std::optional<std::string> serializeJson(const Json& value) { return compactText(value); }
 

@@ -42,7 +42,7 @@ std::string filterFolder() {
     return folder.get();
 }
 
-std::string withoutFragment(const std::string& uri) { return uri.substr(0, uri.find_first_of("?#")); }
+std::string withoutQueryAndFragment(const std::string& uri) { return uri.substr(0, uri.find_first_of("?#")); }
 
 } // namespace
 
@@ -121,7 +121,7 @@ void NavigationGate::decideOfAnyFrame(WebKitPolicyDecision* decision, const Navi
     const NavigationPolicy forMainFrame = ask(action);
     if (frameDeepLinks_.isDeepLink(uri))
         frameDeepLinks_.letGo(uri, forMainFrame);
-    if (forMainFrame == NavigationPolicy::allow || blanking_.address == withoutFragment(uri)) {
+    if (forMainFrame == NavigationPolicy::allow || blanking_.address == withoutQueryAndFragment(uri)) {
         carryOut(decision, forMainFrame, uri);
         return;
     }
@@ -141,7 +141,7 @@ bool NavigationGate::committed(const std::string& uri, const std::string& before
     const bool mustNotStand = framesOnly_.contains(uri);
     framesOnly_.clear();
     if (mustNotStand)
-        blanking_ = {before, withoutFragment(uri)};
+        blanking_ = {before, withoutQueryAndFragment(uri)};
     else if (uri != blanking_.page)
         blanking_ = {};
     return mustNotStand;

@@ -1,6 +1,7 @@
+#include "platform/linux/ports/file_tree_copy.h"
+
 #include "platform/linux/ports/file_attributes.h"
 #include "platform/linux/ports/file_contents.h"
-#include "platform/linux/ports/file_tree.h"
 #include "platform/posix/posix_error.h"
 #include "platform/posix/temporary_sibling.h"
 #include "platform/posix/unique_fd.h"

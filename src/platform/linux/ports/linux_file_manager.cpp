@@ -1,6 +1,6 @@
 #include "platform/linux/ports/linux_file_manager.h"
 
-#include "platform/linux/ports/file_tree.h"
+#include "platform/linux/ports/file_tree_copy.h"
 #include "platform/posix/posix_error.h"
 #include "platform/posix/temporary_sibling.h"
 
