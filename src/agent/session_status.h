@@ -7,7 +7,7 @@
 
 namespace lumora {
 
-/// Tells other processes that the agent could not be installed or started.
+/// Tells other processes, by a distributed notification, that the agent could not be installed or started. Any thread.
 void postAgentNotStarted();
 
 /// Runs an operation's body. An exception ends the body there, is logged under the operation's name, and told to

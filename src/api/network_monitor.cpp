@@ -12,7 +12,6 @@ using namespace std::chrono_literals;
 
 constexpr auto kProbeInterval = 2.0s;
 constexpr auto kProbeTimeout = 10s;
-constexpr long kHttpOk = 200;
 constexpr const char* kUserAgent =
     "Mozilla/5.0 (Macintosh; Intel Mac OS X 10_15_7) AppleWebKit/537.36 (KHTML, "
     "like Gecko) Chrome/91.0.4472.124 Safari/537.36";
@@ -32,7 +31,7 @@ platform::HttpRequest probeRequest(std::string url) {
 }
 
 bool reached(const platform::HttpAnswer& answer) {
-    return answer.response && !answer.error && answer.response->statusCode == kHttpOk;
+    return answer.response && !answer.error && answer.response->statusCode == platform::kHttpOk;
 }
 
 } // namespace

@@ -62,8 +62,8 @@ class NetworkMonitor {
     /// Grows with every stop only: a path update that was under way when the address was replaced is the only one
     /// that the running path monitor sends, and the probe's rhythm begins with it.
     std::uint64_t pathGeneration_ = 0;
-    std::shared_ptr<const bool> alive_ =
-        std::make_shared<const bool>(true); ///< for callbacks that may outlive us
+    /// For callbacks that may outlive this monitor.
+    std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 
 } // namespace lumora

@@ -10,8 +10,6 @@ namespace lumora {
 
 namespace {
 
-constexpr long kHttpOk = 200;
-
 bool answerApplied(const std::optional<std::string>& url, std::string_view name, ApplyAnswer apply,
                    const platform::HttpAnswer& answer) {
     if (answer.error) {
@@ -19,7 +17,7 @@ bool answerApplied(const std::optional<std::string>& url, std::string_view name,
         return false;
     }
     const long status = answer.response ? answer.response->statusCode : 0;
-    if (status != kHttpOk) {
+    if (status != platform::kHttpOk) {
         log("{} : NSURLConnection failed for this request : {} and status code : {}", name, render(url),
             status);
         return false;

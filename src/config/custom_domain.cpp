@@ -14,8 +14,6 @@ namespace {
 
 constexpr const char* kGetCustomDomain = "+[Utils getCustomDomain]";
 
-constexpr long kHttpOk = 200;
-
 /// Where the configured server tells the customer's own domain. An absent server stands there as the null
 /// placeholder: the request then fails like any other to an unknown host.
 std::optional<std::string> serviceDomainUrl(const SessionDetails& session) {
@@ -59,7 +57,7 @@ void fetchCustomDomain(SessionDetails& session) {
     const long status = answer.response ? answer.response->statusCode : 0;
     log("{} : Request Url URL : {}\n", kGetCustomDomain, render(request.url));
     log("{} : Status code : {}", kGetCustomDomain, status);
-    if (status != kHttpOk)
+    if (status != platform::kHttpOk)
         return;
 
     const auto representation = representationOf(*answer.body);

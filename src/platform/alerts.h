@@ -8,12 +8,14 @@ namespace lumora::platform {
 /// The values are the platform's own (`NSAlert.Style`).
 enum class AlertStyle { warning = 0, informational = 1, critical = 2 };
 
+/// What an alert says and offers.
 struct Alert {
     std::string messageText;
     std::string informativeText;
     AlertStyle style = AlertStyle::warning;
-    std::vector<std::string>
-        buttons; ///< from the first, the default one, on; none: the platform's single "OK"
+
+    /// From the first, the default one, on; none: the platform's single "OK".
+    std::vector<std::string> buttons;
 };
 
 /// `NSAlertFirstButtonReturn`; each further button answers one more.

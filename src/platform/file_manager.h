@@ -12,9 +12,11 @@ namespace lumora::platform {
 
 /// Attributes of a file at its creation.
 struct FileAttributes {
-    std::optional<unsigned>
-        posixPermissions;            ///< e.g. 0600, set before the first byte is written; absent: the umask's
-    bool completeProtection = false; ///< strictest data-protection class; ignored where there is none
+    /// E.g. 0600, set before the first byte is written; absent: the umask's.
+    std::optional<unsigned> posixPermissions;
+
+    /// The strictest data-protection class; ignored where there is none.
+    bool completeProtection = false;
 };
 
 /// The shared file-system service. Paths are text as the core joins them: doubled slashes are harmless.
@@ -47,6 +49,7 @@ class FileManager {
     virtual Result<void> createFile(const std::string& path, std::string_view contents,
                                     const FileAttributes& attributes) = 0;
 
+    /// The whole contents of a regular file.
     [[nodiscard]] virtual Result<std::string> readFile(const std::string& path) = 0;
 
     /// Writes over an existing file in place (same inode, not atomically).

@@ -24,6 +24,10 @@ struct HttpRequest {
     HttpCachePolicy cachePolicy = HttpCachePolicy::useProtocolCachePolicy;
 };
 
+/// The one status that counts as success.
+inline constexpr long kHttpOk = 200;
+
+/// The head of a server's answer.
 struct HttpResponse {
     long statusCode = 0;
     std::string url; ///< the final address, after redirects
@@ -50,14 +54,18 @@ enum class HttpSessionKind {
 };
 
 enum class TlsVersion { tls12 };
+
+/// What a redirect's answer leads to: a request to where it points, or the task's end with that answer.
 enum class HttpRedirects { follow, stop };
 
+/// What the tasks of one session have in common.
 struct HttpSessionConfiguration {
     HttpSessionKind kind = HttpSessionKind::ephemeral;
     std::optional<TlsVersion> minimumTls;                ///< absent: the platform's default
     std::optional<std::chrono::seconds> resourceTimeout; ///< total for one task; absent: none
-    bool waitsForConnectivity =
-        false; ///< without a network path wait for one, until a time-out ends the task
+
+    /// Without a network path wait for one, until a time-out ends the task.
+    bool waitsForConnectivity = false;
     HttpRedirects redirects = HttpRedirects::follow;
 };
 
@@ -70,6 +78,8 @@ class HttpSession {
   public:
     virtual ~HttpSession() = default;
 
+    /// Both send the request and return at once. The completion is called exactly once, also when the request fails
+    /// before anything is sent.
     virtual void startDataTask(HttpRequest request, HttpDataCompletion completion) = 0;
     virtual void startDownloadTask(HttpRequest request, HttpDownloadCompletion completion) = 0;
 
@@ -77,6 +87,7 @@ class HttpSession {
     virtual void finishTasksAndInvalidate() = 0;
 };
 
+/// Makes sessions. Callable from any thread.
 class HttpSessions {
   public:
     virtual ~HttpSessions() = default;

@@ -5,9 +5,10 @@
 
 namespace lumora::platform {
 
+/// Whether requests can leave the machine at all.
 enum class PathStatus { satisfied, unsatisfied };
 
-/// Watches whether any network is usable.
+/// Watches whether any network is usable. Main thread, but for the handler's calls.
 class PathMonitor {
   public:
     virtual ~PathMonitor() = default;
@@ -23,6 +24,7 @@ class PathMonitor {
     virtual void cancel() = 0;
 };
 
+/// Makes path monitors. Main thread.
 class PathMonitors {
   public:
     virtual ~PathMonitors() = default;

@@ -13,6 +13,8 @@ class ProcessInfo {
 
     [[nodiscard]] virtual std::string processName() = 0;
     [[nodiscard]] virtual std::int64_t processIdentifier() = 0;
+
+    /// The system's own number for the calling thread.
     [[nodiscard]] virtual std::uint64_t currentThreadIdentifier() = 0;
 
     /// Local time as "2026-11-21 09:41:07.123", for log lines.

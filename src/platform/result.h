@@ -12,8 +12,9 @@ struct Error {
     std::string domain;               ///< "NSURLErrorDomain", "NSPOSIXErrorDomain", "NSCocoaErrorDomain", ...
     int code = 0;                     ///< the domain's own number: an errno, or the URL loading system's code
     std::string localizedDescription; ///< one sentence for a person
-    std::optional<std::string>
-        failingUrl; ///< the address that failed to load: HTTP requests and page loads, file: included
+
+    /// The address that failed to load: HTTP requests and page loads, file: included.
+    std::optional<std::string> failingUrl;
 };
 
 /// Either a value or the error that took its place.

@@ -12,6 +12,7 @@ struct SystemVersion {
     std::optional<std::string> productVersion; ///< "13.2.1", "12"
 };
 
+/// Callable from any thread.
 class SystemVersions {
   public:
     virtual ~SystemVersions() = default;

@@ -8,8 +8,10 @@
 
 namespace lumora::platform {
 
+/// What becomes of a tool's standard output.
 enum class TaskOutput { discard, capture };
 
+/// How a tool ended.
 struct TaskResult {
     int terminationStatus = 0;  ///< exit status, or the signal's number when a signal ended it
     std::string standardOutput; ///< empty unless captured

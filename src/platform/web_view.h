@@ -29,6 +29,7 @@ struct ScriptMessage {
 enum class NavigationType { linkActivated, formSubmitted, backForward, reload, formResubmitted, other };
 enum class NavigationPolicy { allow, cancel };
 
+/// A navigation that the view asks about.
 struct NavigationAction {
     NavigationType type = NavigationType::other;
     std::optional<std::string> url;
@@ -41,10 +42,19 @@ class WebViewDelegate {
   public:
     virtual ~WebViewDelegate() = default;
 
+    /// A page, in whichever frame, has posted under a registered name.
     virtual void didReceiveScriptMessage(const ScriptMessage& message) = 0;
+
+    /// Asked before anything of a navigation is loaded, the host's own loads included.
     virtual NavigationPolicy decidePolicyFor(const NavigationAction& action) = 0;
+
+    /// The page's load failed before anything of it stood; the page before it still does.
     virtual void didFailProvisionalNavigation(const Error& error) = 0;
+
+    /// The page's load failed when its beginning stood already.
     virtual void didFailNavigation(const Error& error) = 0;
+
+    /// A page asks for a new window. None is made: the host loads what it wants to.
     virtual void createWebViewFor(const NavigationAction& action) = 0;
 
     /// The server's certificate failed the system's trust evaluation; the load is cancelled after this call and then
@@ -63,9 +73,14 @@ class WebView {
 
     /// Registers a name under which pages post messages to the delegate.
     virtual void addScriptMessageHandler(const std::string& name) = 0;
+
+    /// A name that was never registered is no error.
     virtual void removeScriptMessageHandler(const std::string& name) = 0;
+
+    /// Not owned; nullptr: nobody is asked or told.
     virtual void setDelegate(WebViewDelegate* delegate) = 0;
 
+    /// Begins to load a page in place of what stands or is under way; a failure is told to the delegate.
     virtual void load(const PageRequest& request) = 0;
 
     /// Shows a local page that may read the folder it lies in. Nothing happens when that page already stands.

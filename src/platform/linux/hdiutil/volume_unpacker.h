@@ -7,9 +7,11 @@ namespace lumora::platform::linux_backend {
 
 /// How much an image may unpack to.
 struct DiskImageLimits {
-    std::uint64_t bytes = std::uint64_t{8}
-                          << 30;   ///< all file contents together; the free space is a limit as well
-    std::size_t entries = 200'000; ///< files, folders and links together
+    /// All file contents together; the free space is a limit as well.
+    std::uint64_t bytes = std::uint64_t{8} << 30;
+
+    /// Files, folders and links together.
+    std::size_t entries = 200'000;
 };
 
 /// Unpacks the ISO 9660 image open as `image` into the empty folder open as `folder`, which takes over the times of the

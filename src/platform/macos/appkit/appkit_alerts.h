@@ -4,6 +4,7 @@
 
 namespace lumora::platform::macos_backend {
 
+/// `NSAlert`.
 class AppKitAlerts final : public Alerts {
   public:
     [[nodiscard]] int runModal(const Alert& alert) override;

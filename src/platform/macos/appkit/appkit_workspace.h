@@ -4,6 +4,7 @@
 
 namespace lumora::platform::macos_backend {
 
+/// `NSWorkspace`.
 class AppKitWorkspace final : public Workspace {
   public:
     bool openUrl(const std::string& url) override;
