@@ -1,58 +1,16 @@
-#include "bridge/bridge_test.h"
-#include "config/session_details.h"
+#include "bridge/joins_test.h"
 
 namespace lumora {
 namespace {
 
-class Joins : public BridgeTest {
-  protected:
-    static constexpr const char* kUndecodable =
-        "handleMessageFromWebView(message:) : handleMessageFromWebView(message:) : Error Unable to decode "
-        "the "
-        "join details";
-    static constexpr const char* kInvalidJoinKey =
-        "handleMessageFromWebView(message:) : Invalid Session Key from Join Page";
-    static constexpr const char* kInvalidRequestKey =
-        "handleMessageFromWebView(message:) : Invalid Session Key from Raise a Request Page";
-    static constexpr const char* kUpdateFailed =
-        "handleMessageFromWebView(message:) : Unable to update Ovra Tessel Agent";
-    static constexpr const char* kSettingsFile =
-        "/Users/casey/Library/Logs/OvraTessel/ConnectionSettings.plist";
-
-    Joins() {
-        session.setWebServerName("shown.example");
-        session.setDcName("shown");
-        session.setPlistDcName("eu");
-        session.setPlistWebServerName("configured.example");
-    }
-
-    static std::string joinBody(const std::string& key, const std::string& more = "") {
-        return R"({"sessionKey":)" + key + R"(,"email":"casey@example.com")" + more + "}";
-    }
-
-    static std::string sharedDetailsLine(const std::string& key) {
-        return "handleMessageFromWebView(message:) : Details Shared for Joining a session - email: "
-               "casey@example.com, sessionid: " +
-               key;
-    }
-
-    void storeProxy() {
-        preferences.user.emplace("host", "proxy");
-        preferences.user.emplace("port", std::int64_t{8080});
-        preferences.user.emplace("authRequired", false);
-        preferences.user.emplace("userName", "");
-        preferences.user.emplace("password", "");
-    }
-
-    [[nodiscard]] bool updateCheckStarted() const {
-        return http.tasks.size() == 1 && http.tasks[0].request.url &&
-               http.tasks[0].request.url->find("/api/v2/agent/check_update?") != std::string::npos;
-    }
-
-    SessionDetails& session = SessionDetails::getInstance();
-};
-
-// --- from the join page ---
+constexpr const char* kUndecodable =
+    "handleMessageFromWebView(message:) : handleMessageFromWebView(message:) : Error Unable to decode "
+    "the join details";
+constexpr const char* kInvalidJoinKey =
+    "handleMessageFromWebView(message:) : Invalid Session Key from Join Page";
+constexpr const char* kUpdateFailed =
+    "handleMessageFromWebView(message:) : Unable to update Ovra Tessel Agent";
+constexpr const char* kSettingsFile = "/Users/casey/Library/Logs/OvraTessel/ConnectionSettings.plist";
 
 TEST_F(Joins, fromTheJoinPageFillTheSessionRecordAndAskForTheAgentsUpdate) {
     post("sendJoinDetailsToNative", joinBody("123456789"));
@@ -249,100 +207,6 @@ TEST_F(Joins, thatOverlapEachHandOver) {
     http.finishData(0, 200, "{}");
 
     EXPECT_EQ(workspace.launches.size(), 2U);
-}
-
-// --- from the page on which a customer raises a request ---
-
-TEST_F(Joins, fromTheRequestPageTakeTheBodyAsTheKey) {
-    post("sendRRSessionKeyToNative", "123456789");
-
-    EXPECT_EQ(session.sessionKey(), "123456789");
-    EXPECT_TRUE(updateCheckStarted());
-    EXPECT_TRUE(streams.printed().empty());
-    EXPECT_TRUE(preferences.journal.empty());
-    EXPECT_TRUE(page.journal.empty());
-}
-
-TEST_F(Joins, fromTheRequestPageLeaveDataCentreAndServer) {
-    post("sendRRSessionKeyToNative", "123456789");
-
-    EXPECT_EQ(session.dcName(), "shown");
-    EXPECT_EQ(session.webServerName(), "shown.example");
-}
-
-TEST_F(Joins, fromTheRequestPageTakeNineOrTenCharactersOfAnyKind) {
-    const Lines keys{
-        "abcdefghi",
-        "abcdefghij",
-        "         ",
-        "éèêëēĕėęě",
-        "👩‍🚀👩‍🚀👩‍🚀👩‍🚀👩‍🚀👩‍🚀👩‍🚀👩‍🚀👩‍🚀",
-        "e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301"};
-    for (const auto& key : keys) {
-        post("sendRRSessionKeyToNative", key);
-        EXPECT_EQ(session.sessionKey(), key);
-    }
-    EXPECT_EQ(http.tasks.size(), keys.size());
-}
-
-TEST_F(Joins, fromTheRequestPageRefuseOtherLengths) {
-    storeProxy();
-    const Lines keys{
-        "", "12345678", "12345678901", "éèêë", "👩‍🚀👩‍🚀", "{\"sessionKey\":123456789}"};
-    for (const auto& key : keys)
-        post("sendRRSessionKeyToNative", key);
-
-    EXPECT_EQ(streams.printed(), Lines(keys.size(), kInvalidRequestKey));
-    EXPECT_EQ(session.sessionKey(), std::nullopt);
-    EXPECT_TRUE(http.tasks.empty());
-    EXPECT_TRUE(files.journal.empty());
-    EXPECT_TRUE(preferences.journal.empty());
-}
-
-TEST_F(Joins, fromTheRequestPageTakeTheStoredCustomerName) {
-    session.setName("before");
-    preferences.user.emplace("name", "Casey");
-
-    post("sendRRSessionKeyToNative", "123456789");
-
-    EXPECT_EQ(session.name(), "Casey");
-}
-
-TEST_F(Joins, fromTheRequestPageTakeAnEmptyStoredNameToo) {
-    session.setName("before");
-    preferences.user.emplace("name", "");
-
-    post("sendRRSessionKeyToNative", "123456789");
-
-    EXPECT_EQ(session.name(), "");
-}
-
-TEST_F(Joins, fromTheRequestPageLeaveTheNameWithoutAStoredOne) {
-    session.setName("before");
-    post("sendRRSessionKeyToNative", "123456789");
-    EXPECT_EQ(session.name(), "before");
-
-    preferences.user.emplace("name", data());
-    post("sendRRSessionKeyToNative", "123456789");
-    EXPECT_EQ(session.name(), "before");
-}
-
-TEST_F(Joins, fromTheRequestPageHandOverAfterAGoodAnswer) {
-    post("sendRRSessionKeyToNative", "123456789");
-
-    http.finishData(0, 200, "{}");
-
-    EXPECT_EQ(workspace.launches.size(), 1U);
-    EXPECT_TRUE(streams.printed().empty());
-}
-
-TEST_F(Joins, fromTheRequestPageDoNotMentionAFailedCheck) {
-    post("sendRRSessionKeyToNative", "123456789");
-
-    http.finishData(0, 500, "");
-
-    EXPECT_TRUE(streams.printed().empty());
-    EXPECT_TRUE(workspace.launches.empty());
 }
 
 } // namespace

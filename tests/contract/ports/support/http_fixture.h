@@ -9,6 +9,7 @@
 
 #include <future>
 #include <optional>
+#include <string>
 
 namespace lumora::contract {
 
@@ -55,6 +56,12 @@ class HttpFixture : public testing::Test {
                 result->set_value(std::move(seen));
             });
         return result->get_future().get();
+    }
+
+    /// What a request's head asks for.
+    static std::string pathOf(const std::string& head) {
+        const std::size_t begin = head.find(' ') + 1;
+        return head.substr(begin, head.find(' ', begin) - begin);
     }
 
     /// The error's code, 0 for none.
