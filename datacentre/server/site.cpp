@@ -3,9 +3,6 @@
 #include "images/images.h"
 #include "server/embedded_page_files.h"
 
-#include <fmt/format.h>
-
-#include <array>
 #include <chrono>
 #include <string_view>
 

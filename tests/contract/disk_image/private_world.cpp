@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>

@@ -1,7 +1,5 @@
 #include "support/linux_http_fixture.h"
 
-#include <fmt/format.h>
-
 #include <atomic>
 #include <chrono>
 

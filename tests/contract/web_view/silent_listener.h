@@ -34,7 +34,4 @@ class SilentListener {
     int port_ = 0;
 };
 
-/// A port of this machine on which nobody listens.
-[[nodiscard]] inline int refusingPort() { return SilentListener().port(); }
-
 } // namespace lumora::contract

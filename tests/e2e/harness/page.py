@@ -55,9 +55,6 @@ class Page:
         """The arguments of every window.NAME(...) call that the application has made, oldest first."""
         return self.eval("return window.received.filter(r => r.name === " + json.dumps(name) + ").map(r => r.args)")
 
-    def forget_received(self):
-        self.eval("window.received.length = 0")
-
     def ask(self, message, reply):
         """Posts a message that the application answers, and the arguments of that answer."""
         before = len(self.received(reply))

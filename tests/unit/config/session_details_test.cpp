@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace lumora {

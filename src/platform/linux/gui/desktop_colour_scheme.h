@@ -4,8 +4,6 @@
 
 #include <gtk/gtk.h>
 
-#include <memory>
-
 namespace lumora::platform::linux_backend {
 
 /// Makes the window dark while the desktop asks applications to be: the toolkit by itself goes by the name of its theme

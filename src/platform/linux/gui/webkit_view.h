@@ -10,7 +10,6 @@
 
 #include <webkit/webkit.h>
 
-#include <memory>
 #include <string>
 
 namespace lumora::platform::linux_backend {

@@ -5,8 +5,6 @@
 #include "platform/linux/hdiutil/iso_volume.h"
 #include "platform/linux/hdiutil/volumes_folder.h"
 
-#include <fmt/format.h>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include <climits>
-#include <optional>
+#include <vector>
 
 namespace lumora::platform::linux_backend {
 namespace {
