@@ -34,4 +34,7 @@ class SilentListener {
     int port_ = 0;
 };
 
+/// A port of this machine on which nobody listens.
+[[nodiscard]] inline int refusingPort() { return SilentListener().port(); }
+
 } // namespace lumora::contract
