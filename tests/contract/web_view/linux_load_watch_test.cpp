@@ -15,13 +15,12 @@ class LoadWatches : public ::testing::Test {
     LoadWatches() {
         view.setDelegate(&delegate);
         server.page("/page", "<title>page</title>");
-        writeFile(folder.path() / "Offline.html", "<title>offline</title>");
+        std::filesystem::create_directories(folder);
+        writeFile(folder / "Offline.html", "<title>offline</title>");
     }
 
     void load(const std::string& url) { view.load({url}); }
-    void loadFile(const std::string& name) {
-        view.loadFile((folder.path() / name).string(), folder.path().string());
-    }
+    void loadFile(const std::string& name) { view.loadFile((folder / name).string(), folder.string()); }
 
     [[nodiscard]] bool waitForTitle(const std::string& title) {
         return runUntil([&] {
@@ -35,11 +34,12 @@ class LoadWatches : public ::testing::Test {
     fakes::FakeMainLoop loop;
     platform::linux_backend::WebKitView view{loop, "ovrajoin"};
     PageServer server;
-    const TemporaryFolder folder;
+    const TemporaryFolder around;
+    const std::filesystem::path folder = around.path() / "50% für Lumora"; // an address escapes most of it
 };
 
 TEST_F(LoadWatches, aLocalPageThatNeverComesFailsAndMayBeAskedForAgain) {
-    const std::string late = (folder.path() / "Late.html").string();
+    const std::string late = (folder / "Late.html").string();
     ASSERT_EQ(::mkfifo(late.c_str(), 0600), 0);
     loadFile("Offline.html");
     ASSERT_TRUE(waitForTitle("offline"));
@@ -49,7 +49,7 @@ TEST_F(LoadWatches, aLocalPageThatNeverComesFailsAndMayBeAskedForAgain) {
     loop.fireTimers();
     ASSERT_EQ(delegate.provisionalFailures.size(), 1U);
     EXPECT_EQ(delegate.provisionalFailures.front().code, -1001);
-    EXPECT_EQ(delegate.provisionalFailures.front().failingUrl, "file://" + late);
+    EXPECT_TRUE(delegate.provisionalFailures.front().failingUrl.value_or("").ends_with("/Late.html"));
     std::filesystem::remove(late);
     writeFile(late, "<title>late</title>");
     loadFile("Late.html");
