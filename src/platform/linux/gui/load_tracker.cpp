@@ -49,6 +49,11 @@ void LoadTracker::finished() {
         phase_ = Phase::idle;
 }
 
+std::string LoadTracker::processChanged() {
+    asked_.clear();
+    return awaited_;
+}
+
 bool LoadTracker::arrivedUnbegun(const std::string& uri) {
     if (phase_ != Phase::decided || !asked_.empty() || uri != awaited_)
         return false;

@@ -37,6 +37,11 @@ class LoadTracker {
     void committed();
     void finished();
 
+    /// The page that has just been committed came in another process. What the former one was still to ask about is gone
+    /// with it.
+    /// @return the host's newest load, if it is among that; else empty.
+    [[nodiscard]] std::string processChanged();
+
     /// The engine loads nothing any more, and the page that stands has this address.
     /// @return whether the host's newest load, now over, led to another place in the page that stood.
     [[nodiscard]] bool arrivedUnbegun(const std::string& uri);

@@ -27,6 +27,16 @@ constexpr std::chrono::seconds kLocalPageTimeout{20};
 /// The address in the engine's own form: what its later reports compare with.
 std::string addressOf(WebKitURIRequest* request) { return textOf(webkit_uri_request_get_uri(request)); }
 
+std::string withoutFragment(const std::string& uri) { return uri.substr(0, uri.find('#')); }
+
+/// The address of the page that begins to stand. As soon as the host asks for another load, the view tells that one's.
+std::string committedAddress(WebKitWebView* view) {
+    const std::string told = textOf(webkit_web_view_get_uri(view));
+    WebKitWebResource* page = webkit_web_view_get_main_resource(view);
+    const std::string loaded = page == nullptr ? told : textOf(webkit_web_resource_get_uri(page));
+    return withoutFragment(loaded) == withoutFragment(told) ? told : loaded;
+}
+
 ObjectRef<WebKitURIRequest> requestFor(const std::string& url) {
     return ObjectRef<WebKitURIRequest>::adopt(webkit_uri_request_new(url.c_str()));
 }
@@ -114,6 +124,7 @@ void WebKitView::loadFile(const std::string& path, const std::string&) {
 void WebKitView::startLoad(WebKitURIRequest* request) {
     tracker_.hostLoads(addressOf(request));
     webkit_web_view_load_request(view_.get(), request);
+    askedProcess_ = webkit_web_view_get_page_id(view_.get());
 }
 
 void WebKitView::stopLoad() {
@@ -150,7 +161,8 @@ void WebKitView::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointe
         if (self->tracker_.awaited().empty())
             self->watch_.end(); // the page has gone on by itself
         self->tracker_.committed();
-        self->pageStands(textOf(webkit_web_view_get_uri(view)));
+        self->askAgainWhatWasLost();
+        self->pageStands(committedAddress(view));
         break;
     case WEBKIT_LOAD_FINISHED:
         self->tracker_.finished();
@@ -176,6 +188,13 @@ void WebKitView::pageStands(const std::string& uri) {
     const auto request = requestFor(before);
     startLoad(request.get());
     watch_.begin(before, PageRequest().timeout);
+}
+
+void WebKitView::askAgainWhatWasLost() {
+    if (webkit_web_view_get_page_id(view_.get()) == askedProcess_)
+        return;
+    if (const std::string lost = tracker_.processChanged(); !lost.empty())
+        startLoad(requestFor(lost).get());
 }
 
 gboolean WebKitView::loadFailed(WebKitWebView*, WebKitLoadEvent event, char* uri, GError* error,

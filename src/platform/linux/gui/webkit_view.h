@@ -48,6 +48,7 @@ class WebKitView final : public WebView {
                                   gpointer self);
 
     void pageStands(const std::string& uri);
+    void askAgainWhatWasLost();
     void startLoad(WebKitURIRequest* request);
     void stopLoad();
     void timedOut(const std::string& uri);
@@ -63,7 +64,8 @@ class WebKitView final : public WebView {
     NavigationGate gate_;
     LoadWatch watch_;
     SignalConnections signals_;
-    std::string committed_; ///< the address of the page that stands; empty: none
+    guint64 askedProcess_ = 0; ///< by the engine's name for the page in it: the newest load was asked of it
+    std::string committed_;    ///< the address of the page that stands; empty: none
 };
 
 } // namespace lumora::platform::linux_backend
