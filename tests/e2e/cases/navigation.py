@@ -25,10 +25,8 @@ WHEN_COMPLETE = ("if (document.readyState !== 'complete') "
                  "await new Promise(resolve => addEventListener('load', () => setTimeout(resolve)));")
 LOADED = '<script>window.webkit.messageHandlers.lumoraLoaded.postMessage("")</script>'
 PLACE = HEAD + "<p>Another place"
-# The script's own answer must be out before the page goes.
-HEAD_START_MS = 300
 # Long enough for the engine to ask, to be answered and to send: that nothing comes has no other sign than time.
-SETTLE_SECONDS = 0.6 + HEAD_START_MS / 1000
+SETTLE_SECONDS = 0.7
 
 
 class NavigationCase(EndToEndCase):
@@ -60,7 +58,7 @@ class NavigationCase(EndToEndCase):
 
     def attempt(self, script):
         """Runs a script that may navigate."""
-        self.page.eval(f"setTimeout(() => {{ {script} }}, {HEAD_START_MS})")
+        self.page.leave_by(script)
 
     def assert_sent(self, *expected):
         waiting.until(lambda: len(self.sent()) >= len(expected), lambda: f"{expected}, sent: {self.sent()}", 10)

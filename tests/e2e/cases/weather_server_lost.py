@@ -102,7 +102,7 @@ class Loaded(WeatherCase):
         self.fails_and_comes_back("server stops before a load", self.server_down, [FAILED])
         mark = self.log.mark()
         self.forget_requests()
-        self.page.eval("setTimeout(() => history.back(), 300)")
+        self.page.leave_by("history.back()")
         self.shows("offline")
         self.comes_back("page goes back to the offline page", mark, [])
 

@@ -20,6 +20,9 @@ KEY = 123456789
 EMAIL = "kim@customer.example"
 TOKEN = "t0ken-of-the-installer"
 WEB_SERVER = "com.ovratessel.example"
+RESTORED = "didRestoreConnection() : Updateing webview since the network is restored."
+# In which a reload that has been asked for comes, or had come before.
+RELOAD_SECONDS = 5
 IMAGE_PATH = "/cdn/OvraMac.dmg"
 CHECK_PATH = "/api/v2/agent/check_update"
 
@@ -99,8 +102,18 @@ class EndToEndCase(unittest.TestCase):
         self.started = self.log.mark()
         self.application = application.Application(self.home, arguments, environment, bundle=self.bundle)
         if wait_for_page:
-            self.page.wait_until_loaded()
+            self.wait_for_standing_page()
         return self.application
+
+    def wait_for_standing_page(self):
+        """Until no reload is to come: the first good probe, two seconds after the start, reloads a page that is slower."""
+        reloads = 0
+        while True:
+            page = self.page.wait_until_heard()
+            before, reloads = reloads, sum(line.startswith(RESTORED) for line in self.log.lines_since(self.started))
+            if reloads == before:
+                return
+            waiting.happens(lambda: self.page.wait_until_heard() != page, RELOAD_SECONDS)
 
     def close(self):
         self.assertEqual(self.application.close(), 0)

@@ -17,31 +17,49 @@ class Page:
             raise AssertionError(f"script failed: {answer['error']}\n{script}")
         return answer["result"]
 
-    def go(self, address):
-        """Lets the page's script navigate, the moment this test has its answer: when the page asks for the next script."""
+    def leave_by(self, script):
+        """Runs a script that may end the page, as soon as this test has its answer: when the page asks for the next one."""
         self.eval("""
             const plain = window.fetch;
             window.fetch = (resource, ...rest) => {
               if (String(resource).startsWith("/drive/next")) {
                 window.fetch = plain;
-                location.href = %s;
+                setTimeout(() => { %s });
               }
               return plain(resource, ...rest);
-            };""" % json.dumps(address))
+            };""" % script)
+
+    def go(self, address):
+        """Lets the page's script navigate."""
+        self.leave_by(f"location.href = {json.dumps(address)}")
 
     def loads(self):
         return self._data_centre.control("GET", "/drive/pages")["loads"]
 
     def wait_until_loaded(self):
-        """Also when the first good probe, two seconds after the start, reloads a page that is slow to say it is there."""
-        def answers():
+        """Also when a reload replaces the page meanwhile."""
+        self._answer_of_the_newest("return document.readyState")
+
+    def wait_until_heard(self):
+        """Until the application has handled all that the page has said so far. Returns what tells this page from others."""
+        return self._answer_of_the_newest("""
+            const own = (reply) => reply.name === "receiveSystemOs";
+            const count = () => window.received.filter(own).length;
+            const before = count();
+            post("getSystemOs", "");
+            while (count() === before) await new Promise((resolve) => setTimeout(resolve, 10));
+            window.received.splice(window.received.findLastIndex(own), 1);
+            return performance.timeOrigin;""")
+
+    def _answer_of_the_newest(self, script):
+        def answer():
             try:
-                return self.eval("return document.readyState")
+                return self.eval(script)
             except AssertionError as error:
                 if "the page was replaced" not in str(error):
                     raise
                 return None
-        waiting.until(answers, "the join page")
+        return waiting.until(answer, "the join page")
 
     def post(self, name, body=""):
         """Posts a message with a body of any JSON type."""

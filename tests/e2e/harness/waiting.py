@@ -6,6 +6,16 @@ SECONDS = 30
 PAUSE = 0.02
 
 
+def happens(condition, seconds):
+    """Whether the condition holds within that time."""
+    deadline = time.monotonic() + seconds
+    while not condition():
+        if time.monotonic() > deadline:
+            return False
+        time.sleep(PAUSE)
+    return True
+
+
 def until(condition, what, seconds=SECONDS):
     """The first true value of condition(); what says in the failure's words what did not come."""
     deadline = time.monotonic() + seconds

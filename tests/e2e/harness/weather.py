@@ -5,7 +5,7 @@ import subprocess
 import time
 
 from harness import places, screen, waiting
-from harness.case import TOKEN, WEB_SERVER, EndToEndCase
+from harness.case import RESTORED, TOKEN, WEB_SERVER, EndToEndCase
 
 PROBE_SECONDS = 2
 TEN_PROBES = 10 * PROBE_SECONDS
@@ -14,7 +14,6 @@ BARE_URL = f"https://{WEB_SERVER}/join"
 NO_TOKEN = {"DC": "com", "pathForLumora": "join"}
 
 NET_TEST = "URL NetTest : "
-RESTORED = "didRestoreConnection() : Updateing webview since the network is restored."
 DID_FAIL = "webView(_:didFail:withError:) : Page failed to load with error: "
 UNTRUSTED = "webView(_:didReceive:completionHandler:) : Server trust evaluation failed: "
 LINES = ("viewDidLoad", "loadJoinPageURl", "handleWebViewError", "webView(", NET_TEST, "didRestoreConnection",
