@@ -37,9 +37,8 @@ std::optional<AttachmentRecord> parse(const std::string& text) {
         words >> key;
         if (key == "volume") {
             VolumeIdentity identity;
-            if (!(words >> identity.inode >> identity.bornSeconds >> identity.bornNanoseconds)) {
+            if (!(words >> identity.inode >> identity.bornSeconds >> identity.bornNanoseconds))
                 return std::nullopt;
-            }
             record.identities.push_back(identity);
         } else if (key == "image") {
             std::getline(words >> std::ws, record.image);
@@ -54,9 +53,8 @@ std::optional<AttachmentRecord> parse(const std::string& text) {
 
 VolumeIdentity VolumeIdentity::of(int folder) {
     struct statx attributes {};
-    if (::statx(folder, "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &attributes) != 0) {
+    if (::statx(folder, "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &attributes) != 0)
         throwErrno("cannot examine a volume");
-    }
     VolumeIdentity identity;
     identity.inode = attributes.stx_ino;
     if ((attributes.stx_mask & STATX_BTIME) != 0) {
@@ -71,44 +69,37 @@ AttachmentRecords::AttachmentRecords(int volumes)
 
 FileDescriptor AttachmentRecords::open(IfAbsent ifAbsent) const {
     if (ifAbsent == IfAbsent::create && ::mkdirat(volumes_, folderName_.c_str(), S_IRWXU) != 0 &&
-        errno != EEXIST) {
+        errno != EEXIST)
         throwErrno("cannot record the attachment");
-    }
     FileDescriptor folder(
         ::openat(volumes_, folderName_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (!folder) {
-        if (ifAbsent == IfAbsent::leave && errno == ENOENT) {
+        if (ifAbsent == IfAbsent::leave && errno == ENOENT)
             return folder;
-        }
         throwErrno("cannot open the attachment records");
     }
     struct stat records {};
     struct stat volumes {};
-    if (::fstat(folder.get(), &records) != 0 || ::fstat(volumes_, &volumes) != 0) {
+    if (::fstat(folder.get(), &records) != 0 || ::fstat(volumes_, &volumes) != 0)
         throwErrno("cannot examine the attachment records");
-    }
     if (records.st_uid != ::geteuid() || records.st_dev != volumes.st_dev ||
-        (records.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
+        (records.st_mode & (S_IWGRP | S_IWOTH)) != 0)
         throw DiskImageFailure("the attachment records are not the caller's own", EPERM);
-    }
     return folder;
 }
 
 std::optional<AttachmentRecord> AttachmentRecords::find(const std::string& volume) const {
     const FileDescriptor folder = open(IfAbsent::leave);
-    if (!folder) {
+    if (!folder)
         return std::nullopt;
-    }
     const FileDescriptor file(
         ::openat(folder.get(), volume.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!file) {
+    if (!file)
         return std::nullopt;
-    }
     std::string text(kMaximumRecordBytes, '\0');
     const ssize_t count = ::read(file.get(), text.data(), text.size());
-    if (count < 0) {
+    if (count < 0)
         return std::nullopt;
-    }
     text.resize(static_cast<std::size_t>(count));
     return parse(text);
 }
@@ -132,16 +123,14 @@ void AttachmentRecords::write(const std::string& volume, const AttachmentRecord&
     // On the disk before it replaces the old record: a volume whose record is lost could never be detached again.
     if (!file || ::write(file.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
         ::fsync(file.get()) != 0 ||
-        ::renameat(folder.get(), kUnfinishedRecord, folder.get(), volume.c_str()) != 0) {
+        ::renameat(folder.get(), kUnfinishedRecord, folder.get(), volume.c_str()) != 0)
         throwErrno("cannot record the attachment");
-    }
 }
 
 void AttachmentRecords::erase(const std::string& volume) const {
     const FileDescriptor folder = open(IfAbsent::leave);
-    if (folder && ::unlinkat(folder.get(), volume.c_str(), 0) != 0 && errno != ENOENT) {
+    if (folder && ::unlinkat(folder.get(), volume.c_str(), 0) != 0 && errno != ENOENT)
         throwErrno("cannot erase the attachment record");
-    }
     // With the last record goes the folder; until then it is not empty, and stays.
     static_cast<void>(::unlinkat(volumes_, folderName_.c_str(), AT_REMOVEDIR));
 }

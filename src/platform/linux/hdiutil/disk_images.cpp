@@ -43,13 +43,11 @@ MountPoint examine(const VolumesFolder& volumes, const std::string& name) {
     mountPoint.occupant = Occupant::stranger;
     struct stat volume {};
     struct stat parent {};
-    if (::fstat(found.get(), &volume) != 0 || ::fstat(volumes.descriptor(), &parent) != 0) {
+    if (::fstat(found.get(), &volume) != 0 || ::fstat(volumes.descriptor(), &parent) != 0)
         throwErrno("cannot examine " + printable(name));
-    }
     // A different device means that something real is mounted there.
-    if (volume.st_dev != parent.st_dev || volume.st_uid != ::geteuid()) {
+    if (volume.st_dev != parent.st_dev || volume.st_uid != ::geteuid())
         return mountPoint;
-    }
     const auto record = AttachmentRecords(volumes.descriptor()).find(name);
     mountPoint.identity = VolumeIdentity::of(found.get());
     if (record && std::count(record->identities.begin(), record->identities.end(), mountPoint.identity) > 0) {
@@ -63,50 +61,41 @@ FileDescriptor openImage(const std::filesystem::path& path) {
     // Non-blocking, for a pipe in its place must not hold us up.
     FileDescriptor image(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat attributes {};
-    if (!image || ::fstat(image.get(), &attributes) != 0) {
+    if (!image || ::fstat(image.get(), &attributes) != 0)
         throwErrno("cannot open " + printable(path.string()));
-    }
-    if (!S_ISREG(attributes.st_mode)) {
+    if (!S_ISREG(attributes.st_mode))
         throw DiskImageFailure(printable(path.string()) + " is not a file");
-    }
     return image;
 }
 
 /// Puts the prepared folder at its place, where nothing stands. Where the file system does not know the flag, the
 /// lock and the examination before have to do.
 void putInPlace(int volumes, const std::string& prepared, const std::string& place) {
-    if (::renameat2(volumes, prepared.c_str(), volumes, place.c_str(), RENAME_NOREPLACE) == 0) {
+    if (::renameat2(volumes, prepared.c_str(), volumes, place.c_str(), RENAME_NOREPLACE) == 0)
         return;
-    }
-    if (errno != EINVAL && errno != ENOSYS) {
+    if (errno != EINVAL && errno != ENOSYS)
         throwErrno("cannot mount at " + printable(place));
-    }
-    if (::renameat(volumes, prepared.c_str(), volumes, place.c_str()) != 0) {
+    if (::renameat(volumes, prepared.c_str(), volumes, place.c_str()) != 0)
         throwErrno("cannot mount at " + printable(place));
-    }
 }
 
 /// The prepared folder and the one at the place change names; without support for that, over a third name.
 void exchange(int volumes, const std::string& prepared, const std::string& place) {
-    if (::renameat2(volumes, prepared.c_str(), volumes, place.c_str(), RENAME_EXCHANGE) == 0) {
+    if (::renameat2(volumes, prepared.c_str(), volumes, place.c_str(), RENAME_EXCHANGE) == 0)
         return;
-    }
-    if (errno != EINVAL && errno != ENOSYS) {
+    if (errno != EINVAL && errno != ENOSYS)
         throwErrno("cannot replace " + printable(place));
-    }
     const std::string third = VolumesFolder::asideName(place);
-    if (::renameat(volumes, place.c_str(), volumes, third.c_str()) != 0) {
+    if (::renameat(volumes, place.c_str(), volumes, third.c_str()) != 0)
         throwErrno("cannot replace " + printable(place));
-    }
     if (::renameat(volumes, prepared.c_str(), volumes, place.c_str()) != 0) {
         const int reason = errno;
         static_cast<void>(::renameat(volumes, third.c_str(), volumes, place.c_str()));
         errno = reason;
         throwErrno("cannot replace " + printable(place));
     }
-    if (::renameat(volumes, third.c_str(), volumes, prepared.c_str()) != 0) {
+    if (::renameat(volumes, third.c_str(), volumes, prepared.c_str()) != 0)
         throwErrno("cannot put the former " + printable(place) + " aside");
-    }
 }
 
 void refuseStranger(const MountPoint& mountPoint, const std::filesystem::path& path) {
@@ -131,9 +120,8 @@ Place takePlace(const VolumesFolder& volumes, const std::string& name, const std
     for (;;) {
         Place place{volumes.lock(), examine(volumes, name), {}};
         refuseStranger(place.before, path);
-        if (place.before.occupant == Occupant::nobody) {
+        if (place.before.occupant == Occupant::nobody)
             return place;
-        }
         std::optional<FileDescriptor> claimed = volumes.claim(name);
         if (claimed || std::chrono::steady_clock::now() >= deadline) {
             place.former = std::move(claimed).value_or(FileDescriptor());
@@ -169,9 +157,8 @@ Attachment mountImage(const std::filesystem::path& folder, const DiskImageLimits
     const MountPoint& before = place.before;
     AttachmentRecord record{std::filesystem::absolute(imagePath).string(),
                             {VolumeIdentity::of(aside->descriptor())}};
-    if (before.occupant == Occupant::ownVolume) {
+    if (before.occupant == Occupant::ownVolume)
         record.identities.push_back(before.identity);
-    }
     AttachmentRecords(volumes.descriptor()).write(volume.name, record);
     if (before.occupant == Occupant::ownVolume) {
         exchange(volumes.descriptor(), aside->name(), volume.name);
@@ -189,9 +176,8 @@ std::string volumeAt(const std::filesystem::path& folder, const std::filesystem:
     text.erase(text.find_last_not_of('/') + 1);
     const std::filesystem::path plain = text;
     std::string name = plain.filename().string();
-    if (plain.parent_path() != folder || name.empty() || name.front() == '.') {
+    if (plain.parent_path() != folder || name.empty() || name.front() == '.')
         throw DiskImageFailure("\"" + printable(mountPoint.string()) + "\" is not a mount point");
-    }
     return name;
 }
 
@@ -203,18 +189,15 @@ void detachVolume(const std::filesystem::path& folder, const std::filesystem::pa
     {
         const FileDescriptor lock = volumes.lock();
         abandoned = volumes.takeAbandoned();
-        if (examine(volumes, name).occupant != Occupant::ownVolume) {
+        if (examine(volumes, name).occupant != Occupant::ownVolume)
             throw DiskImageFailure("no volume attached by this user at " + printable(mountPoint.string()));
-        }
         std::optional<FileDescriptor> claimed = volumes.claim(name);
-        if (!claimed) {
+        if (!claimed)
             throw DiskImageFailure(printable(mountPoint.string()) + " is in use", EBUSY);
-        }
         // Out of sight in one step, whatever the removal then meets.
         std::string hidden = VolumesFolder::asideName(name);
-        if (::renameat(volumes.descriptor(), name.c_str(), volumes.descriptor(), hidden.c_str()) != 0) {
+        if (::renameat(volumes.descriptor(), name.c_str(), volumes.descriptor(), hidden.c_str()) != 0)
             throwErrno("cannot detach " + printable(mountPoint.string()));
-        }
         aside.emplace(volumes.descriptor(), std::move(hidden), std::move(*claimed));
         AttachmentRecords(volumes.descriptor()).erase(name);
     }
@@ -227,11 +210,9 @@ std::vector<Attachment> listAttachments(const std::filesystem::path& folder) {
     std::vector<std::string> names = AttachmentRecords(volumes.descriptor()).volumes();
     std::sort(names.begin(), names.end());
     std::vector<Attachment> attachments;
-    for (const std::string& name : names) {
-        if (const MountPoint found = examine(volumes, name); found.occupant == Occupant::ownVolume) {
+    for (const std::string& name : names)
+        if (const MountPoint found = examine(volumes, name); found.occupant == Occupant::ownVolume)
             attachments.push_back({found.image, folder / name});
-        }
-    }
     return attachments;
 }
 

@@ -16,9 +16,8 @@ bool isValidUtf8(std::string_view text) {
     while (left > 0) {
         utf8proc_int32_t codepoint = 0;
         const auto used = utf8proc_iterate(bytes, left, &codepoint);
-        if (used <= 0) {
+        if (used <= 0)
             return false;
-        }
         bytes += used;
         left -= used;
     }

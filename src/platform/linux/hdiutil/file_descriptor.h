@@ -17,9 +17,8 @@ class FileDescriptor {
         return *this;
     }
     ~FileDescriptor() {
-        if (descriptor_ >= 0) {
+        if (descriptor_ >= 0)
             ::close(descriptor_);
-        }
     }
 
     [[nodiscard]] int get() const noexcept { return descriptor_; }

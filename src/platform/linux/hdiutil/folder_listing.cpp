@@ -22,30 +22,25 @@ struct CloseDirectory {
 std::vector<std::string> listFolder(int folder) {
     // Opened anew, for a descriptor's reading position is shared by its duplicates.
     FileDescriptor listed(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!listed) {
+    if (!listed)
         throwErrno("cannot list a folder");
-    }
     const std::unique_ptr<DIR, CloseDirectory> stream(::fdopendir(listed.get()));
-    if (!stream) {
+    if (!stream)
         throwErrno("cannot list a folder");
-    }
     static_cast<void>(listed.release()); // the stream owns it now
 
     std::vector<std::string> names;
     for (;;) {
         errno = 0;
         const dirent* entry = ::readdir(stream.get());
-        if (entry == nullptr) {
+        if (entry == nullptr)
             break;
-        }
         const std::string_view name = entry->d_name;
-        if (name != "." && name != "..") {
+        if (name != "." && name != "..")
             names.emplace_back(name);
-        }
     }
-    if (errno != 0) {
+    if (errno != 0)
         throwErrno("cannot list a folder");
-    }
     return names;
 }
 

@@ -43,16 +43,13 @@ class DirectoryWalk {
     void checkFolder(const IsoExtent& folder) {
         const std::uint32_t sectors = folder.bytes / kSectorBytes;
         if (sectors == 0 || folder.bytes % kSectorBytes != 0 || !fitsVolume(folder) ||
-            !seen_.insert(folder.sector).second) {
+            !seen_.insert(folder.sector).second)
             damaged();
-        }
-        if (folder.bytes > kLargestFolder) {
+        if (folder.bytes > kLargestFolder)
             throw DiskImageFailure("the image has too many entries");
-        }
         // Folders of a sound image never overlap, so together they cannot be longer than the volume.
-        if (sectors > sectorsLeft_) {
+        if (sectors > sectorsLeft_)
             damaged();
-        }
         sectorsLeft_ -= sectors;
 
         recordsInFolder_ = 0;
@@ -61,52 +58,44 @@ class DirectoryWalk {
             readIsoSector(image_, folder.sector + index, sector);
             checkSector(sector, folder);
         }
-        if (recordsInFolder_ < 2) {
+        if (recordsInFolder_ < 2)
             damaged();
-        }
     }
 
     void checkSector(IsoBytes sector, const IsoExtent& folder) {
         // A folder takes no more sectors than it has records for; a blank one has lost them.
-        if (sector[0] == 0) {
+        if (sector[0] == 0)
             damaged();
-        }
         while (!sector.empty() && sector[0] != 0) {
             const std::size_t length = sector[0];
             if (length < kShortestRecord || length > sector.size() ||
-                kNameAt + sector[kNameLengthAt] > length || sector[kNameLengthAt] == 0) {
+                kNameAt + sector[kNameLengthAt] > length || sector[kNameLengthAt] == 0)
                 damaged();
-            }
             checkRecord(sector.first(length), folder);
             sector = sector.subspan(length);
         }
         // A blank in the middle of a sector would hide the records behind it.
-        if (std::any_of(sector.begin(), sector.end(), [](std::uint8_t byte) { return byte != 0; })) {
+        if (std::any_of(sector.begin(), sector.end(), [](std::uint8_t byte) { return byte != 0; }))
             damaged();
-        }
     }
 
     void checkRecord(IsoBytes record, const IsoExtent& folder) {
         const auto extent = recordExtent(record);
-        if (!extent || !fitsVolume(*extent)) {
+        if (!extent || !fitsVolume(*extent))
             damaged();
-        }
         const bool special = record[kNameLengthAt] == 1 && record[kNameAt] <= kParentName;
         const std::size_t position = recordsInFolder_++;
         if (position < 2) {
             // Every folder begins with itself and its parent.
             if (!special || record[kNameAt] != (position == 0 ? kSelfName : kParentName) ||
-                (position == 0 && extent->sector != folder.sector)) {
+                (position == 0 && extent->sector != folder.sector))
                 damaged();
-            }
             return;
         }
-        if (special) {
+        if (special)
             damaged();
-        }
-        if (recordsLeft_-- == 0) {
+        if (recordsLeft_-- == 0)
             throw DiskImageFailure("the image has too many entries");
-        }
         if ((record[kFlagsAt] & kFolderFlag) != 0) {
             pending_.push_back(*extent);
         } else if (extent->bytes > 0 &&

@@ -22,12 +22,10 @@ inline void readIsoSector(int image, std::uint32_t number, IsoSector& sector) {
     while (have < sector.size()) {
         const auto offset = static_cast<off_t>(number) * kSectorBytes + static_cast<off_t>(have);
         const ssize_t count = ::pread(image, sector.data() + have, sector.size() - have, offset);
-        if (count < 0) {
+        if (count < 0)
             throwErrno("cannot read the image");
-        }
-        if (count == 0) {
+        if (count == 0)
             throw DiskImageFailure("the image is truncated");
-        }
         have += static_cast<std::size_t>(count);
     }
 }
@@ -54,9 +52,8 @@ inline void readIsoSector(int image, std::uint32_t number, IsoSector& sector) {
 [[nodiscard]] inline std::optional<IsoExtent> recordExtent(IsoBytes record) {
     const auto sector = bothEndian32(record, 2);
     const auto bytes = bothEndian32(record, 10);
-    if (!sector || !bytes) {
+    if (!sector || !bytes)
         return std::nullopt;
-    }
     return IsoExtent{*sector, *bytes};
 }
 

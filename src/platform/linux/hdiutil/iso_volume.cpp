@@ -33,9 +33,8 @@ std::string volumeName(const IsoSector& descriptor) {
     std::string name(reinterpret_cast<const char*>(descriptor.data() + kNameAt), kNameBytes);
     // Writers pad with blanks, some with zeros.
     name.erase(name.find_last_not_of(std::string_view(" \0", 2)) + 1);
-    if (!canNameVolume(name)) {
+    if (!canNameVolume(name))
         throw DiskImageFailure("the image's volume name \"" + printable(name) + "\" cannot name a volume");
-    }
     return name;
 }
 
@@ -43,12 +42,10 @@ IsoSector findPrimaryDescriptor(int image) {
     IsoSector sector;
     for (std::uint32_t number = kFirstDescriptor; number < kFirstDescriptor + kMostDescriptors; ++number) {
         readIsoSector(image, number, sector);
-        if (std::memcmp(sector.data() + 1, kMagic.data(), kMagic.size()) != 0 || sector[0] == kTerminator) {
+        if (std::memcmp(sector.data() + 1, kMagic.data(), kMagic.size()) != 0 || sector[0] == kTerminator)
             break;
-        }
-        if (sector[0] == kPrimary) {
+        if (sector[0] == kPrimary)
             return sector;
-        }
     }
     throw DiskImageFailure("not an ISO 9660 image");
 }
@@ -57,22 +54,18 @@ IsoSector findPrimaryDescriptor(int image) {
 
 IsoVolume readIsoVolume(int image) {
     struct stat file {};
-    if (::fstat(image, &file) != 0) {
+    if (::fstat(image, &file) != 0)
         throwErrno("cannot examine the image");
-    }
-    if (file.st_size <= off_t{kFirstDescriptor} * kSectorBytes) {
+    if (file.st_size <= off_t{kFirstDescriptor} * kSectorBytes)
         throw DiskImageFailure("not an ISO 9660 image");
-    }
     const IsoSector descriptor = findPrimaryDescriptor(image);
 
     const auto sectors = bothEndian32(descriptor, kVolumeSectorsAt);
     const auto root = recordExtent(IsoBytes(descriptor).subspan(kRootRecordAt, kRootRecordBytes));
-    if (!sectors || !root || bothEndian16(descriptor, kBlockBytesAt) != kSectorBytes) {
+    if (!sectors || !root || bothEndian16(descriptor, kBlockBytesAt) != kSectorBytes)
         throw DiskImageFailure("the image's volume descriptor is damaged");
-    }
-    if (off_t{*sectors} * kSectorBytes > file.st_size) {
+    if (off_t{*sectors} * kSectorBytes > file.st_size)
         throw DiskImageFailure("the image is truncated");
-    }
     return {volumeName(descriptor), *sectors, *root};
 }
 

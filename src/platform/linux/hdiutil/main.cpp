@@ -39,12 +39,10 @@ int fail(const Error& error) {
 
 int printAttachments(const std::vector<Attachment>& attachments) {
     std::string lines; // of valid UTF-8 alone: whoever reads them decodes all or nothing
-    for (const Attachment& attachment : attachments) {
+    for (const Attachment& attachment : attachments)
         lines += fmt::format("{}\tISO9660\t{}\n", attachment.image, attachment.mountPoint.string());
-    }
-    if (std::fputs(lines.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+    if (std::fputs(lines.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
         return fail({"NSPOSIXErrorDomain", errno, "cannot write to standard output", std::nullopt});
-    }
     return kDone;
 }
 
@@ -82,14 +80,11 @@ int usage(const std::string& complaint) {
 }
 
 int run(const std::vector<std::string>& arguments) {
-    if (arguments.empty()) {
+    if (arguments.empty())
         return usage("nothing to do");
-    }
-    for (const std::string& argument : arguments) {
-        if (argument.starts_with('-')) {
+    for (const std::string& argument : arguments)
+        if (argument.starts_with('-'))
             return usage("option " + argument + " is not known");
-        }
-    }
     for (const Verb& verb : kVerbs) {
         if (arguments.front() == verb.name) {
             const std::size_t wanted = verb.argument.empty() ? 1 : 2;

@@ -17,52 +17,43 @@ namespace {
 FileDescriptor openFolder(int parent, const std::string& name) {
     constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
     FileDescriptor folder(::openat(parent, name.c_str(), kFlags));
-    if (!folder && errno == EACCES && ::fchmodat(parent, name.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) == 0) {
+    if (!folder && errno == EACCES && ::fchmodat(parent, name.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) == 0)
         folder = FileDescriptor(::openat(parent, name.c_str(), kFlags));
-    }
     return folder;
 }
 
 void removeEntry(int parent, const std::string& name, dev_t fileSystem) {
-    if (::unlinkat(parent, name.c_str(), 0) == 0 || errno == ENOENT) {
+    if (::unlinkat(parent, name.c_str(), 0) == 0 || errno == ENOENT)
         return;
-    }
-    if (errno != EISDIR) {
+    if (errno != EISDIR)
         cannotRemove(name);
-    }
     const FileDescriptor folder = openFolder(parent, name);
     if (!folder) {
-        if (errno == ENOENT) {
+        if (errno == ENOENT)
             return;
-        }
         cannotRemove(name);
     }
     struct stat attributes {};
-    if (::fstat(folder.get(), &attributes) != 0) {
+    if (::fstat(folder.get(), &attributes) != 0)
         cannotRemove(name);
-    }
     if (attributes.st_dev != fileSystem) {
         throw DiskImageFailure("cannot remove " + printable(name) + ": another file system is mounted there",
                                EBUSY);
     }
-    if ((attributes.st_mode & S_IRWXU) != S_IRWXU && ::fchmod(folder.get(), S_IRWXU) != 0) {
+    if ((attributes.st_mode & S_IRWXU) != S_IRWXU && ::fchmod(folder.get(), S_IRWXU) != 0)
         cannotRemove(name);
-    }
-    for (const std::string& child : listFolder(folder.get())) {
+    for (const std::string& child : listFolder(folder.get()))
         removeEntry(folder.get(), child, fileSystem);
-    }
-    if (::unlinkat(parent, name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT) {
+    if (::unlinkat(parent, name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT)
         cannotRemove(name);
-    }
 }
 
 } // namespace
 
 void removeTree(int parent, const std::string& name) {
     struct stat attributes {};
-    if (::fstat(parent, &attributes) != 0) {
+    if (::fstat(parent, &attributes) != 0)
         cannotRemove(name);
-    }
     removeEntry(parent, name, attributes.st_dev);
 }
 

@@ -50,12 +50,10 @@ void VolumeTree::add(std::string_view path, EntryKind kind, std::string_view lin
                 fmt::format("the image has no folder for its entry \"{}\"", printable(path)));
         }
     }
-    if (kind == EntryKind::link && (linkTarget.empty() || linkTarget.size() >= PATH_MAX)) {
+    if (kind == EntryKind::link && (linkTarget.empty() || linkTarget.size() >= PATH_MAX))
         throw DiskImageFailure(fmt::format("the image's link \"{}\" has no usable target", printable(path)));
-    }
-    if (!entries_.emplace(path, Entry{kind, std::string(linkTarget)}).second) {
+    if (!entries_.emplace(path, Entry{kind, std::string(linkTarget)}).second)
         throw DiskImageFailure(fmt::format("the image has two entries named \"{}\"", printable(path)));
-    }
 }
 
 void VolumeTree::checkLinks() const {
@@ -74,24 +72,19 @@ bool VolumeTree::staysInside(std::string_view path, const Entry& link, std::size
     // counts of ".." would not do, since a link can make a long path short.
     std::vector<std::string_view> pending{link.target};
     std::size_t linksFollowed = 1;
-    if (link.target.front() == '/') {
+    if (link.target.front() == '/')
         return false;
-    }
     while (!pending.empty()) {
-        if (stepsLeft-- == 0) {
+        if (stepsLeft-- == 0)
             throw DiskImageFailure("the image's links are too entangled");
-        }
         const auto component = takeComponent(pending.back());
-        if (pending.back().empty()) {
+        if (pending.back().empty())
             pending.pop_back();
-        }
-        if (component.empty() || component == ".") {
+        if (component.empty() || component == ".")
             continue;
-        }
         if (component == "..") {
-            if (where.empty()) {
+            if (where.empty())
                 return false;
-            }
             where.resize(folderOf(where).size());
             continue;
         }
@@ -100,9 +93,8 @@ bool VolumeTree::staysInside(std::string_view path, const Entry& link, std::size
         const auto found = entries_.find(where);
         if (found != entries_.end() && found->second.kind == EntryKind::link) {
             // A loop leads nowhere; no sound volume has one.
-            if (found->second.target.front() == '/' || ++linksFollowed > kMaximumLinksFollowed) {
+            if (found->second.target.front() == '/' || ++linksFollowed > kMaximumLinksFollowed)
                 return false;
-            }
             where.resize(folderLength);
             pending.push_back(found->second.target);
         }

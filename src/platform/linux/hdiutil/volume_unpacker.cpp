@@ -33,9 +33,8 @@ void writeAll(int file, const char* data, std::size_t size) {
     while (size > 0) {
         const ssize_t count = ::write(file, data, size);
         if (count < 0) {
-            if (errno == EINTR) {
+            if (errno == EINTR)
                 continue;
-            }
             throwErrno("cannot unpack the image");
         }
         data += count;
@@ -49,24 +48,20 @@ class Unpacker {
         : root_(folder), limits_(limits), reader_(archive_read_new()) {
         if (!reader_ || archive_read_support_filter_none(reader_.get()) != ARCHIVE_OK ||
             archive_read_support_format_iso9660(reader_.get()) != ARCHIVE_OK ||
-            ::lseek(image, 0, SEEK_SET) != 0) {
+            ::lseek(image, 0, SEEK_SET) != 0)
             throw DiskImageFailure("cannot set up the image reader");
-        }
-        if (archive_read_open_fd(reader_.get(), image, kReadBytes) != ARCHIVE_OK) {
+        if (archive_read_open_fd(reader_.get(), image, kReadBytes) != ARCHIVE_OK)
             unreadable();
-        }
     }
 
     void run() {
         archive_entry* entry = nullptr;
         int status = ARCHIVE_OK;
-        while ((status = archive_read_next_header(reader_.get(), &entry)) == ARCHIVE_OK) {
+        while ((status = archive_read_next_header(reader_.get(), &entry)) == ARCHIVE_OK)
             unpackEntry(entry);
-        }
         // Warnings count too: they are how the reader reports an entry that it gives up on.
-        if (status != ARCHIVE_EOF) {
+        if (status != ARCHIVE_EOF)
             unreadable();
-        }
         tree_.checkLinks();
         makeLinks();
         finishFolders();
@@ -96,28 +91,25 @@ class Unpacker {
 
     void unpackEntry(archive_entry* entry) {
         const char* rawPath = archive_entry_pathname(entry);
-        if (rawPath == nullptr) {
+        if (rawPath == nullptr)
             throw DiskImageFailure("the image has an entry whose name cannot be read");
-        }
         const std::string path = rawPath;
         if (path == "." && archive_entry_filetype(entry) == AE_IFDIR) {
             rootAttributes_ = EntryAttributes::of(entry);
             return;
         }
-        if (tree_.size() >= limits_.entries) {
+        if (tree_.size() >= limits_.entries)
             throw DiskImageFailure("the image has too many entries");
-        }
         switch (archive_entry_filetype(entry)) {
         case AE_IFDIR:
             makeFolder(path, EntryAttributes::of(entry));
             break;
         case AE_IFREG:
             tree_.add(path, EntryKind::file);
-            if (const char* original = archive_entry_hardlink(entry); original != nullptr) {
+            if (const char* original = archive_entry_hardlink(entry); original != nullptr)
                 copyLastFile(path, original, EntryAttributes::of(entry));
-            } else {
+            else
                 writeFile(path, entry);
-            }
             break;
         case AE_IFLNK: {
             const char* rawTarget = archive_entry_symlink(entry);
@@ -135,9 +127,8 @@ class Unpacker {
     /// Opens the folder that `path` lies in. No link stands anywhere yet, and none would be followed.
     Place placeOf(const std::string& path) {
         const auto slash = path.rfind('/');
-        if (slash == std::string::npos) {
+        if (slash == std::string::npos)
             return {root_, path.c_str()};
-        }
         const std::string folderPath = path.substr(0, slash);
         if (!openFolder_ || folderPath != openFolderPath_) {
             openFolder_ = openFolder(folderPath);
@@ -153,9 +144,8 @@ class Unpacker {
             const std::string component = path.substr(begin, end - begin);
             folder = FileDescriptor(::openat(folder ? folder.get() : root_, component.c_str(),
                                              O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-            if (!folder) {
+            if (!folder)
                 throwErrno("cannot open " + printable(path));
-            }
             begin = end + 1;
         }
         return folder;
@@ -165,9 +155,8 @@ class Unpacker {
         tree_.add(path, EntryKind::folder);
         const Place place = placeOf(path);
         // The folder's own mode may forbid writing into it: that waits until all is unpacked.
-        if (::mkdirat(place.folder, place.name, S_IRWXU) != 0) {
+        if (::mkdirat(place.folder, place.name, S_IRWXU) != 0)
             throwErrno("cannot create " + printable(path));
-        }
         folders_.push_back({path, attributes});
     }
 
@@ -175,31 +164,26 @@ class Unpacker {
         const Place place = placeOf(path);
         FileDescriptor file(::openat(place.folder, place.name,
                                      O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-        if (!file) {
+        if (!file)
             throwErrno("cannot create " + printable(path));
-        }
         return file;
     }
 
     void claimSpace(std::uint64_t bytes) {
-        if (bytes > limits_.bytes - bytesClaimed_) {
+        if (bytes > limits_.bytes - bytesClaimed_)
             throw DiskImageFailure("the image unpacks to more than is accepted");
-        }
         bytesClaimed_ += bytes;
         struct statvfs space {};
-        if (::fstatvfs(root_, &space) != 0) {
+        if (::fstatvfs(root_, &space) != 0)
             throwErrno("cannot determine the free space");
-        }
-        if (bytes / space.f_frsize > space.f_bavail) {
+        if (bytes / space.f_frsize > space.f_bavail)
             throw DiskImageFailure("the image unpacks to more than there is room for", ENOSPC);
-        }
     }
 
     void writeFile(const std::string& path, archive_entry* entry) {
         const la_int64_t size = archive_entry_size(entry);
-        if (archive_entry_size_is_set(entry) == 0 || size < 0) {
+        if (archive_entry_size_is_set(entry) == 0 || size < 0)
             throw DiskImageFailure(fmt::format("the image's file \"{}\" has no size", printable(path)));
-        }
         claimSpace(static_cast<std::uint64_t>(size));
         FileDescriptor file = createFile(path);
 
@@ -209,18 +193,15 @@ class Unpacker {
         la_int64_t offset = 0;
         int status = ARCHIVE_OK;
         while ((status = archive_read_data_block(reader_.get(), &block, &blockSize, &offset)) == ARCHIVE_OK) {
-            if (offset != written || blockSize > static_cast<std::uint64_t>(size - written)) {
+            if (offset != written || blockSize > static_cast<std::uint64_t>(size - written))
                 throw DiskImageFailure(fmt::format("the image's file \"{}\" is damaged", printable(path)));
-            }
             writeAll(file.get(), static_cast<const char*>(block), blockSize);
             written += static_cast<la_int64_t>(blockSize);
         }
-        if (status != ARCHIVE_EOF) {
+        if (status != ARCHIVE_EOF)
             unreadable();
-        }
-        if (written != size) {
+        if (written != size)
             throw DiskImageFailure(fmt::format("the image's file \"{}\" is cut short", printable(path)));
-        }
         EntryAttributes::of(entry).apply(file.get(), path);
         lastFile_ = std::move(file);
         lastFilePath_ = path;
@@ -240,9 +221,8 @@ class Unpacker {
         std::vector<char> buffer(kReadBytes);
         for (off_t at = 0; at < status.st_size;) {
             const ssize_t count = ::pread(lastFile_.get(), buffer.data(), buffer.size(), at);
-            if (count <= 0) {
+            if (count <= 0)
                 throwErrno("cannot copy " + printable(original));
-            }
             writeAll(file.get(), buffer.data(), static_cast<std::size_t>(count));
             at += count;
         }
@@ -253,18 +233,15 @@ class Unpacker {
         for (const DeferredLink& link : links_) {
             const Place place = placeOf(link.path);
             if (::symlinkat(link.target.c_str(), place.folder, place.name) != 0 ||
-                ::utimensat(place.folder, place.name, link.attributes.times.data(), AT_SYMLINK_NOFOLLOW) !=
-                    0) {
+                ::utimensat(place.folder, place.name, link.attributes.times.data(), AT_SYMLINK_NOFOLLOW) != 0)
                 throwErrno("cannot create the link " + printable(link.path));
-            }
         }
     }
 
     void finishFolders() {
         // Folders come before what they hold, so backwards is from the inside out.
-        for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder) {
+        for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder)
             folder->attributes.apply(openFolder(folder->path).get(), folder->path);
-        }
         // Unlike an attached image a volume here can be written: with its folder closed, whatever modes an image has inside,
         // nobody exchanges what is about to be copied, and started.
         rootAttributes_.mode &= S_IRWXU;

@@ -28,9 +28,8 @@ constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
 /// ".NAME.aside-0123456789abcdef"
 bool isAsideName(std::string_view name) {
-    if (name.size() < 2 + kAsideMark.size() + kAsideDigits || name.front() != '.') {
+    if (name.size() < 2 + kAsideMark.size() + kAsideDigits || name.front() != '.')
         return false;
-    }
     const auto digits = name.substr(name.size() - kAsideDigits);
     name.remove_suffix(kAsideDigits);
     return name.ends_with(kAsideMark) &&
@@ -60,22 +59,19 @@ void AsideFolder::remove() {
 
 VolumesFolder::VolumesFolder(const std::filesystem::path& path)
     : path_(path), folder_(::open(path.c_str(), kFolderFlags)) {
-    if (!folder_) {
+    if (!folder_)
         throwErrno("cannot open " + printable(path_.string()));
-    }
 }
 
 FileDescriptor VolumesFolder::lock() const {
     // Opened anew: the lock belongs to the open file, and one process may mount on several threads.
     FileDescriptor held(::openat(folder_.get(), ".", kFolderFlags));
-    if (!held) {
+    if (!held)
         throwErrno("cannot open " + printable(path_.string()));
-    }
     const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
     while (::flock(held.get(), LOCK_EX | LOCK_NB) != 0) {
-        if ((errno != EWOULDBLOCK && errno != EINTR) || std::chrono::steady_clock::now() > deadline) {
+        if ((errno != EWOULDBLOCK && errno != EINTR) || std::chrono::steady_clock::now() > deadline)
             throwErrno("cannot lock " + printable(path_.string()));
-        }
         std::this_thread::sleep_for(kLockPause);
     }
     return held;
@@ -83,9 +79,8 @@ FileDescriptor VolumesFolder::lock() const {
 
 std::optional<FileDescriptor> VolumesFolder::claim(const std::string& volume) const {
     FileDescriptor folder(::openat(folder_.get(), volume.c_str(), kFolderFlags | O_NOFOLLOW));
-    if (folder && ::flock(folder.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    if (folder && ::flock(folder.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return std::nullopt;
-    }
     return folder;
 }
 
@@ -96,32 +91,27 @@ std::string VolumesFolder::asideName(const std::string& volume) {
 
 AsideFolder VolumesFolder::makeAside(const std::string& volume) const {
     std::string name = asideName(volume);
-    if (::mkdirat(folder_.get(), name.c_str(), S_IRWXU) != 0) {
+    if (::mkdirat(folder_.get(), name.c_str(), S_IRWXU) != 0)
         throwErrno("cannot write to " + printable(path_.string()));
-    }
     AsideFolder aside(folder_.get(), name,
                       FileDescriptor(::openat(folder_.get(), name.c_str(), kFolderFlags | O_NOFOLLOW)));
-    if (aside.descriptor() < 0 || ::flock(aside.descriptor(), LOCK_EX | LOCK_NB) != 0) {
+    if (aside.descriptor() < 0 || ::flock(aside.descriptor(), LOCK_EX | LOCK_NB) != 0)
         throwErrno("cannot write to " + printable(path_.string()));
-    }
     return aside;
 }
 
 std::vector<AsideFolder> VolumesFolder::takeAbandoned() const {
     std::vector<AsideFolder> abandoned;
     for (std::string& name : listFolder(folder_.get())) {
-        if (!isAsideName(name)) {
+        if (!isAsideName(name))
             continue;
-        }
         struct stat attributes {};
         if (::fstatat(folder_.get(), name.c_str(), &attributes, AT_SYMLINK_NOFOLLOW) != 0 ||
-            !S_ISDIR(attributes.st_mode) || attributes.st_uid != ::geteuid()) {
+            !S_ISDIR(attributes.st_mode) || attributes.st_uid != ::geteuid())
             continue;
-        }
         FileDescriptor held(::openat(folder_.get(), name.c_str(), kFolderFlags | O_NOFOLLOW));
-        if (held && ::flock(held.get(), LOCK_EX | LOCK_NB) == 0) {
+        if (held && ::flock(held.get(), LOCK_EX | LOCK_NB) == 0)
             abandoned.emplace_back(folder_.get(), std::move(name), std::move(held));
-        }
     }
     return abandoned;
 }
