@@ -1,7 +1,7 @@
 #include "disk_image_fixture.h"
 
-#include "platform/linux/hdiutil/file_descriptor.h"
 #include "platform/linux/hdiutil/tree_removal.h"
+#include "platform/posix/unique_fd.h"
 
 #include <fmt/format.h>
 
@@ -31,7 +31,7 @@ DiskImageFixture::DiskImageFixture() {
 
 DiskImageFixture::~DiskImageFixture() {
     EXPECT_EQ(readFile(outside_), "untouched");
-    const platform::linux_backend::FileDescriptor parent(
+    const platform::posix_backend::UniqueFd parent(
         ::open(folder_.parent_path().c_str(), O_RDONLY | O_DIRECTORY));
     platform::linux_backend::removeTree(parent.get(), folder_.filename().string());
 }

@@ -1,5 +1,5 @@
 #include "disk_image_fixture.h"
-#include "platform/linux/hdiutil/file_descriptor.h"
+#include "platform/posix/unique_fd.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using platform::linux_backend::DiskImages;
-using platform::linux_backend::FileDescriptor;
+using platform::posix_backend::UniqueFd;
 
 /// Whoever copies something out of a volume holds its folder locked, shared.
 class VolumesInUse : public DiskImageFixture {
@@ -26,8 +26,8 @@ class VolumesInUse : public DiskImageFixture {
         newer_ = makeOvraImage("newer.iso");
     }
 
-    [[nodiscard]] FileDescriptor use() const {
-        FileDescriptor volume(::open(ovra_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    [[nodiscard]] UniqueFd use() const {
+        UniqueFd volume(::open(ovra_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         EXPECT_EQ(::flock(volume.get(), LOCK_SH | LOCK_NB), 0);
         return volume;
     }
@@ -38,7 +38,7 @@ class VolumesInUse : public DiskImageFixture {
 };
 
 TEST_F(VolumesInUse, areNotDetached) {
-    FileDescriptor reader = use();
+    UniqueFd reader = use();
 
     const auto refused = images().detach(ovra_);
 
@@ -48,20 +48,20 @@ TEST_F(VolumesInUse, areNotDetached) {
     EXPECT_EQ(pictureOf(ovra_), before_);
     expectVolumes({"Ovra"});
 
-    reader = FileDescriptor();
+    reader = UniqueFd();
     EXPECT_TRUE(images().detach(ovra_));
     expectNoVolumes();
 }
 
 TEST_F(VolumesInUse, areReplacedOnlyWhenTheirUserIsDone) {
-    FileDescriptor reader = use();
+    UniqueFd reader = use();
     auto mounting = std::async(std::launch::async, [&] { return images().mount(newer_); });
 
     // Without the waiting it is done well within this, with it never.
     EXPECT_EQ(mounting.wait_for(1s), std::future_status::timeout);
     EXPECT_EQ(pictureOf(ovra_), before_);
 
-    reader = FileDescriptor();
+    reader = UniqueFd();
     const auto mounted = mounting.get();
     ASSERT_TRUE(mounted) << mounted.error().localizedDescription;
     EXPECT_EQ(pictureOf(ovra_), pictureOf(tree_));
@@ -69,7 +69,7 @@ TEST_F(VolumesInUse, areReplacedOnlyWhenTheirUserIsDone) {
 }
 
 TEST_F(VolumesInUse, areReplacedAllTheSameWhenTheirUserHangs) {
-    const FileDescriptor reader = use();
+    const UniqueFd reader = use();
 
     const auto mounted = DiskImages(volumes_, {}, 10ms).mount(newer_);
 

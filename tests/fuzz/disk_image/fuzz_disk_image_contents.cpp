@@ -2,9 +2,9 @@
 // keeps entries inside the volume must not lean on them.
 
 #include "platform/linux/hdiutil/failure.h"
-#include "platform/linux/hdiutil/file_descriptor.h"
 #include "platform/linux/hdiutil/tree_removal.h"
 #include "platform/linux/hdiutil/volume_unpacker.h"
+#include "platform/posix/unique_fd.h"
 #include "scratch_folder.h"
 
 #include <fcntl.h>
@@ -17,16 +17,16 @@ using lumora::fuzz::check;
 using lumora::fuzz::ScratchFolder;
 using lumora::platform::linux_backend::DiskImageFailure;
 using lumora::platform::linux_backend::DiskImageLimits;
-using lumora::platform::linux_backend::FileDescriptor;
 using lumora::platform::linux_backend::removeTree;
 using lumora::platform::linux_backend::unpackIso;
+using lumora::platform::posix_backend::UniqueFd;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const ScratchFolder scratch;
-    const FileDescriptor image(scratch.saveImage(data, size));
-    const FileDescriptor room(::open(scratch.room().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const UniqueFd image(scratch.saveImage(data, size));
+    const UniqueFd room(::open(scratch.room().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     check(::mkdirat(room.get(), "volume", S_IRWXU) == 0, "the volume's folder is made");
-    const FileDescriptor volume(::openat(room.get(), "volume", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const UniqueFd volume(::openat(room.get(), "volume", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     try {
         unpackIso(image.get(), volume.get(), DiskImageLimits{16U << 20, 2000});
         ScratchFolder::checkLinks(scratch.room() / "volume");

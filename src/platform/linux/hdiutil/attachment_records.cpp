@@ -14,6 +14,8 @@
 namespace lumora::platform::linux_backend {
 namespace {
 
+using posix_backend::UniqueFd;
+
 // Volumes never begin with a dot.
 constexpr const char* kUnfinishedRecord = ".new";
 constexpr std::size_t kMaximumRecordBytes = 16'384;
@@ -67,12 +69,11 @@ VolumeIdentity VolumeIdentity::of(int folder) {
 AttachmentRecords::AttachmentRecords(int volumes)
     : volumes_(volumes), folderName_(fmt::format(".attachments.{}", ::geteuid())) {}
 
-FileDescriptor AttachmentRecords::open(IfAbsent ifAbsent) const {
+UniqueFd AttachmentRecords::open(IfAbsent ifAbsent) const {
     if (ifAbsent == IfAbsent::create && ::mkdirat(volumes_, folderName_.c_str(), S_IRWXU) != 0 &&
         errno != EEXIST)
         throwErrno("cannot record the attachment");
-    FileDescriptor folder(
-        ::openat(volumes_, folderName_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    UniqueFd folder(::openat(volumes_, folderName_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (!folder) {
         if (ifAbsent == IfAbsent::leave && errno == ENOENT)
             return folder;
@@ -89,10 +90,10 @@ FileDescriptor AttachmentRecords::open(IfAbsent ifAbsent) const {
 }
 
 std::optional<AttachmentRecord> AttachmentRecords::find(const std::string& volume) const {
-    const FileDescriptor folder = open(IfAbsent::leave);
+    const UniqueFd folder = open(IfAbsent::leave);
     if (!folder)
         return std::nullopt;
-    const FileDescriptor file(
+    const UniqueFd file(
         ::openat(folder.get(), volume.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file)
         return std::nullopt;
@@ -105,7 +106,7 @@ std::optional<AttachmentRecord> AttachmentRecords::find(const std::string& volum
 }
 
 std::vector<std::string> AttachmentRecords::volumes() const {
-    const FileDescriptor folder = open(IfAbsent::leave);
+    const UniqueFd folder = open(IfAbsent::leave);
     std::vector<std::string> names;
     if (folder) {
         names = listFolder(folder.get());
@@ -115,10 +116,9 @@ std::vector<std::string> AttachmentRecords::volumes() const {
 }
 
 void AttachmentRecords::write(const std::string& volume, const AttachmentRecord& record) const {
-    const FileDescriptor folder = open(IfAbsent::create);
-    const FileDescriptor file(::openat(folder.get(), kUnfinishedRecord,
-                                       O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC,
-                                       S_IRUSR | S_IWUSR));
+    const UniqueFd folder = open(IfAbsent::create);
+    const UniqueFd file(::openat(folder.get(), kUnfinishedRecord,
+                                 O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
     const std::string text = render(record);
     // On the disk before it replaces the old record: a volume whose record is lost could never be detached again.
     if (!file || ::write(file.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
@@ -128,7 +128,7 @@ void AttachmentRecords::write(const std::string& volume, const AttachmentRecord&
 }
 
 void AttachmentRecords::erase(const std::string& volume) const {
-    const FileDescriptor folder = open(IfAbsent::leave);
+    const UniqueFd folder = open(IfAbsent::leave);
     if (folder && ::unlinkat(folder.get(), volume.c_str(), 0) != 0 && errno != ENOENT)
         throwErrno("cannot erase the attachment record");
     // With the last record goes the folder; until then it is not empty, and stays.

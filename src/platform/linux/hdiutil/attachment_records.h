@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/hdiutil/file_descriptor.h"
+#include "platform/posix/unique_fd.h"
 
 #include <cstdint>
 #include <optional>
@@ -46,7 +46,7 @@ class AttachmentRecords {
 
   private:
     enum class IfAbsent { create, leave };
-    [[nodiscard]] FileDescriptor open(IfAbsent ifAbsent) const;
+    [[nodiscard]] posix_backend::UniqueFd open(IfAbsent ifAbsent) const;
 
     int volumes_;
     std::string folderName_;

@@ -21,6 +21,8 @@
 namespace lumora::platform::linux_backend {
 namespace {
 
+using posix_backend::UniqueFd;
+
 constexpr auto kPause = std::chrono::milliseconds(20);
 
 enum class Occupant { nobody, ownVolume, stranger };
@@ -33,7 +35,7 @@ struct MountPoint {
 };
 
 MountPoint examine(const VolumesFolder& volumes, const std::string& name) {
-    const FileDescriptor found(
+    const UniqueFd found(
         ::openat(volumes.descriptor(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     MountPoint mountPoint;
     if (!found) {
@@ -57,9 +59,9 @@ MountPoint examine(const VolumesFolder& volumes, const std::string& name) {
     return mountPoint;
 }
 
-FileDescriptor openImage(const std::filesystem::path& path) {
+UniqueFd openImage(const std::filesystem::path& path) {
     // Non-blocking, for a pipe in its place must not hold us up.
-    FileDescriptor image(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    UniqueFd image(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat attributes {};
     if (!image || ::fstat(image.get(), &attributes) != 0)
         throwErrno("cannot open " + printable(path.string()));
@@ -107,9 +109,9 @@ void refuseStranger(const MountPoint& mountPoint, const std::filesystem::path& p
 
 /// The place of a new volume, nobody else's for as long as this lives.
 struct Place {
-    FileDescriptor lock; // of the volumes' folder
+    UniqueFd lock; // of the volumes' folder
     MountPoint before;
-    FileDescriptor former; // the volume that stands there, if it is ours, locked
+    UniqueFd former; // the volume that stands there, if it is ours, locked
 };
 
 /// Waits for whoever copies something out of the former volume: renamed under him, it would come to nothing. Who does so
@@ -122,19 +124,19 @@ Place takePlace(const VolumesFolder& volumes, const std::string& name, const std
         refuseStranger(place.before, path);
         if (place.before.occupant == Occupant::nobody)
             return place;
-        std::optional<FileDescriptor> claimed = volumes.claim(name);
+        std::optional<UniqueFd> claimed = volumes.claim(name);
         if (claimed || std::chrono::steady_clock::now() >= deadline) {
-            place.former = std::move(claimed).value_or(FileDescriptor());
+            place.former = std::move(claimed).value_or(UniqueFd());
             return place;
         }
-        place.lock = FileDescriptor();
+        place.lock = UniqueFd();
         std::this_thread::sleep_for(kPause);
     }
 }
 
 Attachment mountImage(const std::filesystem::path& folder, const DiskImageLimits& limits,
                       std::chrono::milliseconds patience, const std::filesystem::path& imagePath) {
-    const FileDescriptor image = openImage(imagePath);
+    const UniqueFd image = openImage(imagePath);
     const IsoVolume volume = readIsoVolume(image.get());
     checkIsoDirectories(image.get(), volume, limits.entries);
 
@@ -144,7 +146,7 @@ Attachment mountImage(const std::filesystem::path& folder, const DiskImageLimits
     std::vector<AsideFolder> abandoned;
     std::optional<AsideFolder> aside;
     {
-        const FileDescriptor lock = volumes.lock();
+        const UniqueFd lock = volumes.lock();
         refuseStranger(examine(volumes, volume.name), path);
         abandoned = volumes.takeAbandoned();
         aside.emplace(volumes.makeAside(volume.name));
@@ -187,11 +189,11 @@ void detachVolume(const std::filesystem::path& folder, const std::filesystem::pa
     std::vector<AsideFolder> abandoned;
     std::optional<AsideFolder> aside;
     {
-        const FileDescriptor lock = volumes.lock();
+        const UniqueFd lock = volumes.lock();
         abandoned = volumes.takeAbandoned();
         if (examine(volumes, name).occupant != Occupant::ownVolume)
             throw DiskImageFailure("no volume attached by this user at " + printable(mountPoint.string()));
-        std::optional<FileDescriptor> claimed = volumes.claim(name);
+        std::optional<UniqueFd> claimed = volumes.claim(name);
         if (!claimed)
             throw DiskImageFailure(printable(mountPoint.string()) + " is in use", EBUSY);
         // Out of sight in one step, whatever the removal then meets.
@@ -206,7 +208,7 @@ void detachVolume(const std::filesystem::path& folder, const std::filesystem::pa
 
 std::vector<Attachment> listAttachments(const std::filesystem::path& folder) {
     const VolumesFolder volumes(folder);
-    const FileDescriptor lock = volumes.lock();
+    const UniqueFd lock = volumes.lock();
     std::vector<std::string> names = AttachmentRecords(volumes.descriptor()).volumes();
     std::sort(names.begin(), names.end());
     std::vector<Attachment> attachments;

@@ -1,7 +1,7 @@
 #include "platform/linux/hdiutil/folder_listing.h"
 
 #include "platform/linux/hdiutil/failure.h"
-#include "platform/linux/hdiutil/file_descriptor.h"
+#include "platform/posix/unique_fd.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -13,6 +13,8 @@
 namespace lumora::platform::linux_backend {
 namespace {
 
+using posix_backend::UniqueFd;
+
 struct CloseDirectory {
     void operator()(DIR* stream) const noexcept { ::closedir(stream); }
 };
@@ -21,7 +23,7 @@ struct CloseDirectory {
 
 std::vector<std::string> listFolder(int folder) {
     // Opened anew, for a descriptor's reading position is shared by its duplicates.
-    FileDescriptor listed(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    UniqueFd listed(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!listed)
         throwErrno("cannot list a folder");
     const std::unique_ptr<DIR, CloseDirectory> stream(::fdopendir(listed.get()));

@@ -1,8 +1,8 @@
 #include "platform/linux/hdiutil/tree_removal.h"
 
 #include "platform/linux/hdiutil/failure.h"
-#include "platform/linux/hdiutil/file_descriptor.h"
 #include "platform/linux/hdiutil/folder_listing.h"
+#include "platform/posix/unique_fd.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,13 +12,15 @@
 namespace lumora::platform::linux_backend {
 namespace {
 
+using posix_backend::UniqueFd;
+
 [[noreturn]] void cannotRemove(const std::string& name) { throwErrno("cannot remove " + printable(name)); }
 
-FileDescriptor openFolder(int parent, const std::string& name) {
+UniqueFd openFolder(int parent, const std::string& name) {
     constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-    FileDescriptor folder(::openat(parent, name.c_str(), kFlags));
+    UniqueFd folder(::openat(parent, name.c_str(), kFlags));
     if (!folder && errno == EACCES && ::fchmodat(parent, name.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) == 0)
-        folder = FileDescriptor(::openat(parent, name.c_str(), kFlags));
+        folder = UniqueFd(::openat(parent, name.c_str(), kFlags));
     return folder;
 }
 
@@ -27,7 +29,7 @@ void removeEntry(int parent, const std::string& name, dev_t fileSystem) {
         return;
     if (errno != EISDIR)
         cannotRemove(name);
-    const FileDescriptor folder = openFolder(parent, name);
+    const UniqueFd folder = openFolder(parent, name);
     if (!folder) {
         if (errno == ENOENT)
             return;

@@ -2,8 +2,8 @@
 
 #include "platform/linux/hdiutil/entry_attributes.h"
 #include "platform/linux/hdiutil/failure.h"
-#include "platform/linux/hdiutil/file_descriptor.h"
 #include "platform/linux/hdiutil/volume_tree.h"
+#include "platform/posix/unique_fd.h"
 
 #include <archive.h>
 #include <archive_entry.h>
@@ -22,6 +22,8 @@
 
 namespace lumora::platform::linux_backend {
 namespace {
+
+using posix_backend::UniqueFd;
 
 constexpr std::size_t kReadBytes = 262'144;
 
@@ -137,13 +139,13 @@ class Unpacker {
         return {openFolder_.get(), path.c_str() + slash + 1};
     }
 
-    [[nodiscard]] FileDescriptor openFolder(const std::string& path) const {
-        FileDescriptor folder;
+    [[nodiscard]] UniqueFd openFolder(const std::string& path) const {
+        UniqueFd folder;
         for (std::size_t begin = 0; begin <= path.size();) {
             const std::size_t end = std::min(path.find('/', begin), path.size());
             const std::string component = path.substr(begin, end - begin);
-            folder = FileDescriptor(::openat(folder ? folder.get() : root_, component.c_str(),
-                                             O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+            folder = UniqueFd(::openat(folder ? folder.get() : root_, component.c_str(),
+                                       O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
             if (!folder)
                 throwErrno("cannot open " + printable(path));
             begin = end + 1;
@@ -160,10 +162,10 @@ class Unpacker {
         folders_.push_back({path, attributes});
     }
 
-    [[nodiscard]] FileDescriptor createFile(const std::string& path) {
+    [[nodiscard]] UniqueFd createFile(const std::string& path) {
         const Place place = placeOf(path);
-        FileDescriptor file(::openat(place.folder, place.name,
-                                     O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+        UniqueFd file(::openat(place.folder, place.name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                               S_IRUSR | S_IWUSR));
         if (!file)
             throwErrno("cannot create " + printable(path));
         return file;
@@ -185,7 +187,7 @@ class Unpacker {
         if (archive_entry_size_is_set(entry) == 0 || size < 0)
             throw DiskImageFailure(fmt::format("the image's file \"{}\" has no size", printable(path)));
         claimSpace(static_cast<std::uint64_t>(size));
-        FileDescriptor file = createFile(path);
+        UniqueFd file = createFile(path);
 
         la_int64_t written = 0;
         const void* block = nullptr;
@@ -217,7 +219,7 @@ class Unpacker {
                 fmt::format("the image's hard link \"{}\" has no original", printable(path)));
         }
         claimSpace(static_cast<std::uint64_t>(status.st_size));
-        const FileDescriptor file = createFile(path);
+        const UniqueFd file = createFile(path);
         std::vector<char> buffer(kReadBytes);
         for (off_t at = 0; at < status.st_size;) {
             const ssize_t count = ::pread(lastFile_.get(), buffer.data(), buffer.size(), at);
@@ -256,9 +258,9 @@ class Unpacker {
     std::vector<DeferredFolder> folders_;
     EntryAttributes rootAttributes_;
     std::uint64_t bytesClaimed_ = 0;
-    FileDescriptor openFolder_;
+    UniqueFd openFolder_;
     std::string openFolderPath_;
-    FileDescriptor lastFile_;
+    UniqueFd lastFile_;
     std::string lastFilePath_;
 };
 

@@ -20,6 +20,8 @@
 namespace lumora::platform::linux_backend {
 namespace {
 
+using posix_backend::UniqueFd;
+
 constexpr auto kLockPatience = std::chrono::seconds(30);
 constexpr auto kLockPause = std::chrono::milliseconds(5);
 constexpr std::string_view kAsideMark = ".aside-";
@@ -38,7 +40,7 @@ bool isAsideName(std::string_view name) {
 
 } // namespace
 
-AsideFolder::AsideFolder(int volumes, std::string name, FileDescriptor held)
+AsideFolder::AsideFolder(int volumes, std::string name, UniqueFd held)
     : volumes_(volumes), name_(std::move(name)), held_(std::move(held)) {}
 
 AsideFolder::~AsideFolder() {
@@ -63,9 +65,9 @@ VolumesFolder::VolumesFolder(const std::filesystem::path& path)
         throwErrno("cannot open " + printable(path_.string()));
 }
 
-FileDescriptor VolumesFolder::lock() const {
+UniqueFd VolumesFolder::lock() const {
     // Opened anew: the lock belongs to the open file, and one process may mount on several threads.
-    FileDescriptor held(::openat(folder_.get(), ".", kFolderFlags));
+    UniqueFd held(::openat(folder_.get(), ".", kFolderFlags));
     if (!held)
         throwErrno("cannot open " + printable(path_.string()));
     const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
@@ -77,8 +79,8 @@ FileDescriptor VolumesFolder::lock() const {
     return held;
 }
 
-std::optional<FileDescriptor> VolumesFolder::claim(const std::string& volume) const {
-    FileDescriptor folder(::openat(folder_.get(), volume.c_str(), kFolderFlags | O_NOFOLLOW));
+std::optional<UniqueFd> VolumesFolder::claim(const std::string& volume) const {
+    UniqueFd folder(::openat(folder_.get(), volume.c_str(), kFolderFlags | O_NOFOLLOW));
     if (folder && ::flock(folder.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return std::nullopt;
     return folder;
@@ -94,7 +96,7 @@ AsideFolder VolumesFolder::makeAside(const std::string& volume) const {
     if (::mkdirat(folder_.get(), name.c_str(), S_IRWXU) != 0)
         throwErrno("cannot write to " + printable(path_.string()));
     AsideFolder aside(folder_.get(), name,
-                      FileDescriptor(::openat(folder_.get(), name.c_str(), kFolderFlags | O_NOFOLLOW)));
+                      UniqueFd(::openat(folder_.get(), name.c_str(), kFolderFlags | O_NOFOLLOW)));
     if (aside.descriptor() < 0 || ::flock(aside.descriptor(), LOCK_EX | LOCK_NB) != 0)
         throwErrno("cannot write to " + printable(path_.string()));
     return aside;
@@ -109,7 +111,7 @@ std::vector<AsideFolder> VolumesFolder::takeAbandoned() const {
         if (::fstatat(folder_.get(), name.c_str(), &attributes, AT_SYMLINK_NOFOLLOW) != 0 ||
             !S_ISDIR(attributes.st_mode) || attributes.st_uid != ::geteuid())
             continue;
-        FileDescriptor held(::openat(folder_.get(), name.c_str(), kFolderFlags | O_NOFOLLOW));
+        UniqueFd held(::openat(folder_.get(), name.c_str(), kFolderFlags | O_NOFOLLOW));
         if (held && ::flock(held.get(), LOCK_EX | LOCK_NB) == 0)
             abandoned.emplace_back(folder_.get(), std::move(name), std::move(held));
     }

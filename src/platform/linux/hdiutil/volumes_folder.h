@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/hdiutil/file_descriptor.h"
+#include "platform/posix/unique_fd.h"
 
 #include <filesystem>
 #include <optional>
@@ -14,7 +14,7 @@ namespace lumora::platform::linux_backend {
 /// it holds when this object ends, unless it has become a volume.
 class AsideFolder {
   public:
-    AsideFolder(int volumes, std::string name, FileDescriptor held);
+    AsideFolder(int volumes, std::string name, posix_backend::UniqueFd held);
     AsideFolder(AsideFolder&& other) noexcept
         : volumes_(other.volumes_), name_(std::exchange(other.name_, {})), held_(std::move(other.held_)) {}
     AsideFolder& operator=(AsideFolder&& other) = delete;
@@ -28,12 +28,12 @@ class AsideFolder {
     /// The folder now stands under another name: nothing is left to remove.
     void keep() noexcept { name_.clear(); }
     /// Another folder has taken its name, and is removed in its stead. @param held  that one, with its lock
-    void standFor(FileDescriptor held) noexcept { held_ = std::move(held); }
+    void standFor(posix_backend::UniqueFd held) noexcept { held_ = std::move(held); }
 
   private:
     int volumes_;
     std::string name_;
-    FileDescriptor held_; // holds the folder's lock, which says that a living process works in it
+    posix_backend::UniqueFd held_; // holds the folder's lock, which says that a living process works in it
 };
 
 /// The folder that holds the volumes, /Volumes on a real system. What several processes must not do at once happens
@@ -46,14 +46,14 @@ class VolumesFolder {
     [[nodiscard]] int descriptor() const noexcept { return folder_.get(); }
 
     /// Locked until the result is destroyed. Throws DiskImageFailure if others hold it unreasonably long.
-    [[nodiscard]] FileDescriptor lock() const;
+    [[nodiscard]] posix_backend::UniqueFd lock() const;
 
     /// Creates an aside folder for the volume. Call under the lock.
     [[nodiscard]] AsideFolder makeAside(const std::string& volume) const;
 
     /// The volume's folder, locked until the result is destroyed against everybody who copies something out of it; nothing
     /// while somebody does so. A volume that cannot be locked at all counts as one that nobody uses. Call under the lock.
-    [[nodiscard]] std::optional<FileDescriptor> claim(const std::string& volume) const;
+    [[nodiscard]] std::optional<posix_backend::UniqueFd> claim(const std::string& volume) const;
 
     /// A free name for an aside folder of the volume.
     [[nodiscard]] static std::string asideName(const std::string& volume);
@@ -63,7 +63,7 @@ class VolumesFolder {
 
   private:
     std::filesystem::path path_;
-    FileDescriptor folder_;
+    posix_backend::UniqueFd folder_;
 };
 
 } // namespace lumora::platform::linux_backend
