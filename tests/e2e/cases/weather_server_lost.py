@@ -101,9 +101,10 @@ class Loaded(WeatherCase):
         self.start_well()
         self.fails_and_comes_back("server stops before a load", self.server_down, [FAILED])
         mark = self.log.mark()
-        self.forget_requests()
+        self.data_centre.behave("/join", status=503)  # until it has been seen
         self.page.leave_by("history.back()")
         self.shows("offline")
+        self.good_again()
         self.comes_back("page goes back to the offline page", mark, [])
 
     def test_a_server_that_answers_only_the_probes_is_asked_for_one_page_a_round(self):
