@@ -27,8 +27,8 @@ class PosixStandardStreams final : public StandardStreams {
     std::recursive_mutex mutex_;
     UniqueFd null_; ///< kept open, so that holding a number needs no new descriptor
     std::array<bool, 3> isOpen_{true, true, true}; ///< whether the last reopening succeeded
-    bool lineIsCut_ =
-        false; ///< only the beginning of the last message was written: the next begins a line of its own
+    /// Only the beginning of the last message was written: the next begins a line of its own.
+    bool lineIsCut_ = false;
 };
 
 } // namespace lumora::platform::posix_backend
