@@ -37,6 +37,9 @@ class LoadTracker {
     void committed();
     void finished();
 
+    /// The page that stands is still coming, and nothing is under way to replace it.
+    [[nodiscard]] bool pageIsComing() const { return phase_ == Phase::committed; }
+
     /// The page that has just been committed came in another process. What the former one was still to ask about is gone
     /// with it.
     /// @return the host's newest load, if it is among that; else empty.

@@ -114,7 +114,8 @@ void WebKitView::loadFile(const std::string& path, const std::string&) {
     if (gate_.judgeOwnLoad(uri) == NavigationPolicy::cancel || tracker_.awaited() == uri)
         return;
     if (committed_ == uri) {
-        stopLoad(); // the page stays; what was to replace it does not come
+        if (!tracker_.pageIsComing()) // stopped now, it would stay half a page
+            stopLoad();               // the page stays; what was to replace it does not come
         return;
     }
     startLoad(engineRequest.get());
