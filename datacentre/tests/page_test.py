@@ -60,12 +60,11 @@ class Page(World):
         return outcome["result"]
 
     def reload(self):
-        loads = self.control("GET", "/drive/pages")["loads"]
-        if loads == 0:
-            wait_until(lambda: self.control("GET", "/drive/pages")["pages"] == 1, "the first page polls")
-            loads = 1
-        self.control("POST", "/drive", {"script": "location.reload(); await new Promise(() => {})", "timeout_ms": 60000})
-        wait_until(lambda: self.control("GET", "/drive/pages")["loads"] > loads, "the page has loaded again")
+        wait_until(lambda: self.control("GET", "/drive/pages")["pages"] == 1, "the page polls")
+        self.control("POST", "/drive", {"script": "window.isOld = true; location.reload(); await new Promise(() => {})",
+                                        "timeout_ms": 60000})
+        new = {"script": "return window.isOld !== true", "timeout_ms": 60000}
+        wait_until(lambda: self.control("POST", "/drive", new)["result"], "the page has loaded again")
 
     def open_in_application(self):
         """Loads the page with the stand-in for the application's bridge."""
